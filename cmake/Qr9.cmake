@@ -1,0 +1,50 @@
+# What every target of the house has in common: warnings, sanitizers, the include root, and how tests register.
+
+find_program(QR9_CCACHE ccache)
+if(QR9_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${QR9_CCACHE})
+endif()
+
+# qr9_own_code(TARGET) - our own code: includes are written from the root, and no warning is let pass.
+function(qr9_own_code target)
+  target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+  set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON)
+  target_compile_definitions(${target} PRIVATE QT_DEPRECATED_WARNINGS)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    $<$<BOOL:${QR9_WERROR}>:-Werror>)
+  # Results must not depend on the instruction set that a machine happens to have.
+  target_compile_options(${target} PRIVATE -ffp-contract=off)
+  if(QR9_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${QR9_SANITIZE} -fno-omit-frame-pointer
+      $<$<NOT:$<STREQUAL:${QR9_SANITIZE},thread>>:-fno-sanitize-recover=all>)
+    target_link_options(${target} PUBLIC -fsanitize=${QR9_SANITIZE})
+  endif()
+endfunction()
+
+# qr9_library(NAME SOURCES... ) - the static library of one room.
+function(qr9_library target)
+  add_library(${target} STATIC ${ARGN})
+  qr9_own_code(${target})
+endfunction()
+
+# qr9_unit_test(NAME LABELS... LIBS...) - a Qt Test program tests/<room>/NAME.cpp that needs no room.
+# It runs on the offscreen platform, so that no display is needed.
+function(qr9_unit_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
+  add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+  qr9_own_code(${name})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} Qt5::Test)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES LABELS "unit;${ARG_LABELS}" TIMEOUT 120
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=;LC_ALL=C.UTF-8;${QR9_SANITIZER_ENVIRONMENT}")
+endfunction()
+
+# What the sanitizers are told at run time; a finding fails the test. The system's libraries keep some
+# allocations until the process ends, which is not a finding of ours: see tests/sanitizers/.
+if(QR9_SANITIZE MATCHES address)
+  set(QR9_SANITIZER_ENVIRONMENT
+    "ASAN_OPTIONS=detect_leaks=1:abort_on_error=0:detect_odr_violation=0;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/sanitizers/leaks.txt:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
+elseif(QR9_SANITIZE MATCHES thread)
+  set(QR9_SANITIZER_ENVIRONMENT
+    "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/sanitizers/threads.txt:halt_on_error=0:exitcode=66")
+endif()
