@@ -39,6 +39,28 @@ function(qr9_unit_test name)
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=;LC_ALL=C.UTF-8;${QR9_SANITIZER_ENVIRONMENT}")
 endfunction()
 
+# qr9_room_test(NAME [SOURCES...] [LIBS...] [LABELS...] [ROOM arguments of "room run"...] [TIMEOUT seconds]) -
+# a Qt Test program NAME.cpp that runs in a private room of its own against a virtual instrument, with a screen:
+# see simulator/room. In the room the build folder is /run/prog, the source tree /run/source (read-only) and
+# the rig folder with the sockets and transcripts /run/rig. Skipped where no room can be had.
+function(qr9_room_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS;ROOM" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+  qr9_own_code(${name})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} Qt5::Test)
+  add_dependencies(${name} VirtualInstrument TAVO_QR9.app)
+  file(RELATIVE_PATH program ${PROJECT_BINARY_DIR} ${CMAKE_CURRENT_BINARY_DIR}/${name})
+  # The launcher ends a program that hangs before ctest does, so that the evidence is kept.
+  math(EXPR limit "${ARG_TIMEOUT} + 30")
+  add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/simulator/room/room run --build ${PROJECT_BINARY_DIR}
+    --timeout ${ARG_TIMEOUT} ${ARG_ROOM} -- ${program})
+  set_tests_properties(${name} PROPERTIES LABELS "workflow;${ARG_LABELS}" TIMEOUT ${limit} SKIP_RETURN_CODE 77
+    ENVIRONMENT "LC_ALL=C.UTF-8;${QR9_SANITIZER_ENVIRONMENT}")
+endfunction()
+
 # What the sanitizers are told at run time; a finding fails the test. The system's libraries keep some
 # allocations until the process ends, which is not a finding of ours: see tests/sanitizers/.
 if(QR9_SANITIZE MATCHES address)
