@@ -1,0 +1,49 @@
+#pragma once
+
+#include "simulator/optics/OpticalState.h"
+
+namespace qr9::optics {
+
+/// What was filled into a slide of one type.
+struct SlideContents {
+    Slide slide;
+    double sparsest; ///< cells in a frame at nominal magnification; the density wanders between the two
+    double densest;
+    double smallestUm; ///< cell diameters
+    double largestUm;
+    double gfpShare; ///< of the cells are stained
+    double rfpShare;
+};
+
+/// A stretch of one slide that differs from the rest of it, so that fields with few, with many and with no
+/// stained cells are at hand. Positions in mm along the slide from the tray's mark.
+struct SlideZone {
+    Slide slide;
+    double fromMm;
+    double toMm;
+    double cellsPerFrame;
+    bool stained;
+};
+
+// The stained shares overlap by chance, as two stains of one sample do.
+constexpr SlideContents kSlideContents[] = {
+    { Slide::OneChannel, 180.0, 320.0, 8.0, 16.0, 0.55, 0.45 },
+    { Slide::TwoChannel, 200.0, 380.0, 8.0, 16.0, 0.55, 0.50 },
+    { Slide::ThreeChannel, 150.0, 300.0, 8.0, 16.0, 0.50, 0.50 },
+    { Slide::EightChannel, 150.0, 350.0, 8.0, 16.0, 0.50, 0.45 },
+    { Slide::Reusable, 160.0, 340.0, 9.0, 16.0, 0.60, 0.50 },
+    { Slide::Validation, 230.0, 270.0, 11.8, 12.2, 0.60, 0.60 }, // beads of one size
+    { Slide::PrismaMax, 250.0, 400.0, 8.0, 15.0, 0.50, 0.55 },
+};
+
+// The places are those of the fields with the slide's start position calibrated to the mark; a field is 0.9
+// mm long.
+constexpr SlideZone kSlideZones[] = {
+    { Slide::OneChannel, -38.5, -32.0, 40.0, true }, // the last fields of the long chamber
+    { Slide::TwoChannel, -33.25, -32.35, 45.0, true }, // field A4
+    { Slide::TwoChannel, -28.75, -27.85, 600.0, true }, // field A9
+    { Slide::ThreeChannel, 1.0, 12.3, 200.0, false }, // the third chamber, unstained
+    { Slide::EightChannel, 13.0, 18.2, 40.0, false }, // the eighth chamber, unstained
+};
+
+} // namespace qr9::optics
