@@ -1,18 +1,14 @@
 #include "algorithms/focus_kernels.h"
 
+#include "algorithms/kernel_targets.h"
+
 #include <opencv2/core.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
-
-// One binary serves every machine: the loader picks the variant that the processor can run.
-#ifdef QR9_RUNTIME_INSTRUCTION_SET
-#define QR9_KERNEL __attribute__((target_clones("avx2", "default")))
-#else
-#define QR9_KERNEL
-#endif
+#include <cstdlib>
 
 namespace focus_kernels {
 
@@ -109,31 +105,33 @@ QR9_KERNEL std::int64_t sumSquaredSobel(const RowTriple& rows, int first, int la
     return total;
 }
 
-QR9_KERNEL std::int64_t sumOf(const unsigned char* pixels, std::size_t count)
-{
-    std::int64_t total = 0;
-    for (std::size_t tile = 0; tile < count; tile += tilePixels) {
-        const std::size_t end = std::min(count, tile + tilePixels);
-        std::uint32_t sum = 0;
-        for (std::size_t i = tile; i < end; ++i)
-            sum += pixels[i];
-        total += sum;
-    }
-    return total;
-}
-
-/// Sum of (grey value minus `floor`, not below 0) with the bits outside of `mask` cleared.
-QR9_KERNEL std::int64_t sumAbove(
-    const unsigned char* pixels, std::size_t count, unsigned char floor, unsigned char mask)
+/// Sum of grey value minus `floor`, not below 0. Written as a sum of absolute differences of bytes, for
+/// which processors have one instruction.
+QR9_KERNEL std::int64_t sumAbove(const unsigned char* pixels, std::size_t count, unsigned char floor)
 {
     std::int64_t total = 0;
     for (std::size_t tile = 0; tile < count; tile += tilePixels) {
         const std::size_t end = std::min(count, tile + tilePixels);
         std::uint32_t sum = 0;
         for (std::size_t i = tile; i < end; ++i) {
-            const unsigned char excess
-                = static_cast<unsigned char>((pixels[i] > floor ? pixels[i] : floor) - floor);
-            sum += static_cast<unsigned char>(excess & mask);
+            const unsigned char raised = pixels[i] > floor ? pixels[i] : floor;
+            sum += static_cast<std::uint32_t>(std::abs(raised - floor));
+        }
+        total += sum;
+    }
+    return total;
+}
+
+/// The same with every odd excess one less: what rounding to even makes of halves.
+QR9_KERNEL std::int64_t sumAboveToEven(const unsigned char* pixels, std::size_t count, unsigned char floor)
+{
+    std::int64_t total = 0;
+    for (std::size_t tile = 0; tile < count; tile += tilePixels) {
+        const std::size_t end = std::min(count, tile + tilePixels);
+        std::uint32_t sum = 0;
+        for (std::size_t i = tile; i < end; ++i) {
+            const unsigned char raised = pixels[i] > floor ? pixels[i] : floor;
+            sum += static_cast<unsigned char>((raised - floor) & 0xFE);
         }
         total += sum;
     }
@@ -171,15 +169,15 @@ std::int64_t sumByTable(const unsigned char* pixels, std::size_t count, const Gr
 std::int64_t sumOfExcess(const unsigned char* pixels, std::size_t count, double floor)
 {
     const GreyTable table = tableOfExcess(floor);
-    // Nearly every table is a subtraction of whole grey values; a floor that ends on .5 rounds every
-    // second value down to the even one, which clears the lowest bit.
-    if (floor >= 0.0 && floor < 256.0) {
-        for (const int whole : { static_cast<int>(floor), static_cast<int>(floor) + 1 }) {
-            for (const int mask : { 0xFF, 0xFE }) {
-                if (whole < 256 && isSaturatingSubtraction(table, whole, mask))
-                    return sumAbove(
-                        pixels, count, static_cast<unsigned char>(whole), static_cast<unsigned char>(mask));
-            }
+    // Nearly every table is a subtraction of whole grey values; a floor that ends on .5 rounds every second
+    // value down to the even one, which clears the lowest bit.
+    if (floor >= 0.0 && floor <= 255.0) {
+        for (int whole = static_cast<int>(floor); whole <= std::min(static_cast<int>(floor) + 1, 255);
+             ++whole) {
+            if (isSaturatingSubtraction(table, whole, 0xFF))
+                return sumAbove(pixels, count, static_cast<unsigned char>(whole));
+            if (isSaturatingSubtraction(table, whole, 0xFE))
+                return sumAboveToEven(pixels, count, static_cast<unsigned char>(whole));
         }
     }
     return sumByTable(pixels, count, table);
@@ -195,7 +193,7 @@ double meanOf(std::int64_t sum, std::size_t count)
 
 double meanAboveMultipleOfMean(const unsigned char* pixels, std::size_t count, double alpha)
 {
-    const double floor = alpha * meanOf(sumOf(pixels, count), count);
+    const double floor = alpha * meanOf(sumAbove(pixels, count, 0), count);
     return meanOf(sumOfExcess(pixels, count, floor), count);
 }
 
