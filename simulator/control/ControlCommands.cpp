@@ -1,0 +1,126 @@
+#include "simulator/control/ControlCommands.h"
+
+#include "simulator/Instrument.h"
+#include "simulator/Truth.h"
+#include "simulator/control/Settings.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace qr9::sim {
+
+namespace {
+
+QJsonObject good(QJsonObject values = {})
+{
+    values["ok"] = true;
+    return values;
+}
+
+QJsonObject bad(const QString& why)
+{
+    return { { "ok", false }, { "error", why } };
+}
+
+QJsonObject goodUnless(const QString& why)
+{
+    return why.isEmpty() ? good() : bad(why);
+}
+
+QJsonObject truth(Instrument& instrument, const QJsonObject&)
+{
+    return good({ { "truth", truthOf(instrument.unit()) } });
+}
+
+QJsonObject state(Instrument& instrument, const QJsonObject&)
+{
+    return good(stateOf(instrument));
+}
+
+QJsonObject transcript(Instrument& instrument, const QJsonObject& request)
+{
+    const auto& lines = instrument.log().lines();
+    const int count = static_cast<int>(lines.size());
+    QJsonArray out;
+    for (int i = std::clamp(request["from"].toInt(), 0, count); i < count; ++i) {
+        const BoardLog::Line& line = lines.at(static_cast<std::size_t>(i));
+        out.append(QJsonObject { { "dir", QString(QLatin1Char(line.direction)) }, { "port", line.port },
+            { "ms", static_cast<double>(line.time.count()) / 1000.0 },
+            { "text", QString::fromLatin1(line.text) } });
+    }
+    return good({ { "lines", out }, { "next", count } });
+}
+
+QJsonObject set(Instrument& instrument, const QJsonObject& request)
+{
+    return goodUnless(applySetting(instrument, request["key"].toString(), request["value"]));
+}
+
+QJsonObject say(Instrument& instrument, const QJsonObject& request)
+{
+    if (!request["text"].isString()) {
+        return bad("\"text\" is missing");
+    }
+    instrument.board().say(request["text"].toString().toLatin1());
+    return good();
+}
+
+QJsonObject fault(Instrument& instrument, const QJsonObject& request)
+{
+    return goodUnless(instrument.faults().arm(request));
+}
+
+QJsonObject clearFaults(Instrument& instrument, const QJsonObject&)
+{
+    instrument.clearFaults();
+    return good();
+}
+
+QJsonObject clock(Instrument& instrument, const QJsonObject& request)
+{
+    Clock& clock = instrument.clock();
+    const QString action = request["action"].toString();
+    if (action == QLatin1String("hold")) {
+        clock.hold();
+    } else if (action == QLatin1String("release")) {
+        clock.release();
+    } else if (action == QLatin1String("advance") && clock.isHeld() && request["ms"].toDouble(-1.0) >= 0.0) {
+        clock.advance(Time(std::llround(request["ms"].toDouble() * 1000.0)));
+    } else {
+        return bad(R"("action" is "hold", "release" or, while held, "advance" by "ms" of 0 or more)");
+    }
+    return good({ { "ms", static_cast<double>(clock.now().count()) / 1000.0 } });
+}
+
+struct Row {
+    const char* name;
+    QJsonObject (*run)(Instrument&, const QJsonObject&);
+};
+
+constexpr std::array kRows {
+    Row { "truth", truth },
+    Row { "bestFocus", bestFocus },
+    Row { "state", state },
+    Row { "transcript", transcript },
+    Row { "set", set },
+    Row { "say", say },
+    Row { "fault", fault },
+    Row { "clearFaults", clearFaults },
+    Row { "clock", clock },
+};
+
+} // namespace
+
+QJsonObject runControlCommand(Instrument& instrument, const QJsonObject& request)
+{
+    const QString name = request["cmd"].toString();
+    const auto row = std::find_if(kRows.begin(), kRows.end(),
+        [&name](const Row& candidate) { return name == QLatin1String(candidate.name); });
+    return row == kRows.end() ? bad(QStringLiteral("no command is called \"%1\"").arg(name))
+                              : row->run(instrument, request);
+}
+
+} // namespace qr9::sim
