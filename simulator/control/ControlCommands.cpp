@@ -35,6 +35,14 @@ QJsonObject truth(Instrument& instrument, const QJsonObject&)
     return good({ { "truth", truthOf(instrument.unit()) } });
 }
 
+QJsonObject bestFocus(Instrument& instrument, const QJsonObject& request)
+{
+    if (!request["x"].isDouble()) {
+        return bad("\"x\" is missing");
+    }
+    return good(focusAt(instrument.unit(), request["x"].toInt()));
+}
+
 QJsonObject state(Instrument& instrument, const QJsonObject&)
 {
     return good(stateOf(instrument));
