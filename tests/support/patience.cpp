@@ -1,0 +1,25 @@
+#include "tests/support/patience.h"
+
+#include <QTest>
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int BUILD_FACTOR = 4;
+#else
+constexpr int BUILD_FACTOR = 1;
+#endif
+
+} // namespace
+
+int patience::limit(int ms)
+{
+    bool ok = false;
+    const int machineFactor = qEnvironmentVariableIntValue("QR9_PATIENCE", &ok);
+    return ms * BUILD_FACTOR * (ok && machineFactor > 0 ? machineFactor : 1);
+}
+
+bool patience::waitFor(const std::function<bool()>& evidence, int ms)
+{
+    return QTest::qWaitFor(evidence, limit(ms));
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <functional>
+
+// Waiting for evidence, with a limit.
+namespace patience {
+
+// A limit in ms that is stretched where the program runs slower than usual: under a sanitizer, and by the
+// factor in the environment variable QR9_PATIENCE on a slow machine.
+int limit(int ms);
+
+// Runs the event loop until `evidence` holds, at most limit(ms). True when it holds.
+bool waitFor(const std::function<bool()>& evidence, int ms = 5000);
+
+} // namespace patience
