@@ -1,6 +1,6 @@
 /* Stands for the instrument's main application beside which the tool is installed: a program file with build
- * records of its own, of another version than the tool's, for `readelf -p ZR_META TAVO_QR9.app`. One object, so
- * that the records keep their order. */
+ * records of its own, of another version than the tool's, for `readelf -p ZR_META TAVO_QR9.app`. One object,
+ * so that the records keep their order. */
 
 struct build_records {
     char base_svn_rev[32];

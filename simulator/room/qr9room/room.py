@@ -60,13 +60,23 @@ class Room:
 
     def stop(self):
         """Ends everything and removes the rig folder."""
+        self._end_parts()
+        if self._folder:
+            self._folder.remove()
+            self._folder = None
+
+    def move_rig(self, place):
+        """Ends everything and moves the rig folder to `place`, without its sockets, instead of removing it."""
+        self._end_parts()
+        for socket in self.rig.glob("*.sock"):
+            socket.unlink()
+        shutil.move(self.rig, place)
+
+    def _end_parts(self):
         for part in (self.program, self.screen, self.instrument):
             if part:
                 part.stop()
         self.program = self.screen = self.instrument = None
-        if self._folder:
-            self._folder.remove()
-            self._folder = None
 
     @property
     def rig(self):

@@ -1,0 +1,30 @@
+"""What the phases of a demonstration share."""
+
+from dataclasses import dataclass, field
+
+from qr9room.inifile import read_ini
+from qr9room.room import Room
+from qr9room.technician import Technician
+
+from .table import Table
+
+
+@dataclass
+class Day:
+    """One unit's way through the phases."""
+
+    room: Room
+    hand: Technician
+    truth: dict  # the unit's true constants
+    out: object  # folder for what is to be kept, a Path
+    table: Table = field(default_factory=Table)
+    pictures: int = 0
+
+    def setting(self, group, key):
+        """A value of the settings file as it stands now; None when it is not there."""
+        return read_ini(self.room.home / "TAVO_QR9.ini").get(group, {}).get(key)
+
+    def screenshot(self, name):
+        """Keeps a picture of the screen, numbered in the order of the day."""
+        self.pictures += 1
+        self.room.screen.picture().save(self.out / f"{self.pictures}-{name}.png")

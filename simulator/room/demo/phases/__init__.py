@@ -1,0 +1,8 @@
+"""The phases of a unit's day in a factory, in their order: a module each, with a TITLE and a run(day).
+
+A phase does what a technician would do, waits for the evidence, and adds its rows to the day's table.
+"""
+
+from . import autofocus, connection, live_view
+
+PHASES = [connection, live_view, autofocus]

@@ -1,0 +1,25 @@
+"""The AF button walks the stage to the focus of the field under the objective."""
+
+import re
+
+TITLE = "Autofocus"
+LIMIT = 180  # seconds
+FINE_STEP = 115  # motor steps
+
+
+def run(day):
+    field = day.truth["derived"]["focusA1"]
+    day.room.instrument.ask("set", key="x", value=field["x"])
+    day.hand.open_page("TAB_STAGE")
+    day.hand.click("pushButton_AUTOFOCUS")
+    day.room.wait_window("Info", LIMIT)
+    day.screenshot("autofocus")
+    day.hand.acknowledge("Info", 10)
+
+    results = re.findall(r"\[2\] m_AutofocusingRef:\D*\d+ +(\d+)", day.room.program.log())
+    found = int(results[-1]) if results else None
+    day.table.near("focus found", field["bf"], found, FINE_STEP, "steps")
+    stands = day.room.instrument.ask("state")["z"]
+    if found is not None:
+        day.table.near("stage left below it", found - FINE_STEP, stands, 0, "steps")
+    day.screenshot("in-focus")
