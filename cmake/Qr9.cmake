@@ -15,8 +15,10 @@ function(qr9_own_code target)
   # Results must not depend on the instruction set that a machine happens to have.
   target_compile_options(${target} PRIVATE -ffp-contract=off)
   if(QR9_SANITIZE)
-    target_compile_options(${target} PRIVATE -fsanitize=${QR9_SANITIZE} -fno-omit-frame-pointer
-      $<$<NOT:$<STREQUAL:${QR9_SANITIZE},thread>>:-fno-sanitize-recover=all>)
+    target_compile_options(${target} PRIVATE -fsanitize=${QR9_SANITIZE} -fno-omit-frame-pointer)
+    if(NOT QR9_SANITIZE STREQUAL "thread")
+      target_compile_options(${target} PRIVATE -fno-sanitize-recover=all)
+    endif()
     target_link_options(${target} PUBLIC -fsanitize=${QR9_SANITIZE})
   endif()
 endfunction()
