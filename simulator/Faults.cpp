@@ -16,8 +16,8 @@ enum class Need : std::uint8_t {
     Sizes, ///< a number above 0, or a list of them
     Bytes, ///< a text of Latin-1 characters
     Text,
-    OptionalText,
-    ErrorNumber, ///< below 0
+    TextOrCode, ///< nothing, a text, or a number above 0
+    ErrorOrCode, ///< a number below 0 (of the wire) or above 0 (of a library)
 };
 
 struct Row {
@@ -36,13 +36,13 @@ constexpr std::array kRows {
     Row { "noise", FaultKind::Noise, Need::Bytes, "a text of Latin-1 characters" },
     Row { "silent", FaultKind::Silent, Need::Nothing, "" },
     Row { "double", FaultKind::Double, Need::Nothing, "" },
-    Row { "grabFails", FaultKind::GrabFails, Need::OptionalText, "a text" },
+    Row { "grabFails", FaultKind::GrabFails, Need::TextOrCode, "a text or a number above 0" },
     Row { "lateFrame", FaultKind::LateFrame, Need::Duration, "a number of ms" },
     Row { "loseFrame", FaultKind::LoseFrame, Need::Nothing, "" },
     Row { "unplug", FaultKind::Unplug, Need::Nothing, "" },
     Row { "missingFeature", FaultKind::MissingFeature, Need::Text, "the name of a feature" },
     Row { "openFails", FaultKind::OpenFails, Need::Nothing, "" },
-    Row { "cameraError", FaultKind::CameraError, Need::ErrorNumber, "a number below 0" },
+    Row { "cameraError", FaultKind::CameraError, Need::ErrorOrCode, "a number other than 0" },
 };
 
 bool isSize(const QJsonValue& value)
@@ -70,10 +70,10 @@ bool suits(const QJsonValue& value, Need need)
         return value.isString() && isLatin1(value.toString());
     case Need::Text:
         return value.isString() && !value.toString().isEmpty();
-    case Need::OptionalText:
-        return value.isUndefined() || value.isNull() || value.isString();
-    case Need::ErrorNumber:
-        return value.isDouble() && value.toInt() < 0;
+    case Need::TextOrCode:
+        return value.isUndefined() || value.isNull() || value.isString() || isSize(value);
+    case Need::ErrorOrCode:
+        return value.isDouble() && value.toInt() != 0;
     }
     return false;
 }

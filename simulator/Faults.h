@@ -20,13 +20,14 @@ enum class FaultKind : std::uint8_t {
     Noise, ///< board: the bytes of the text `value` come before the reply
     Silent, ///< board: no reply from this one on, until the faults are cleared
     Double, ///< board: the reply is sent twice
-    GrabFails, ///< camera: the grab of a frame fails; value = the text of the failure
+    GrabFails, ///< camera: the grab of a frame fails; value = its text, or the code that the library gives
     LateFrame, ///< camera: the frame comes `value` ms late
     LoseFrame, ///< camera: the frame never comes
     Unplug, ///< camera: the plug is pulled when the request comes
     MissingFeature, ///< camera: the node `value` does not exist
     OpenFails, ///< camera: the device cannot be opened
-    CameraError, ///< camera: the request is answered with the error `value`, a negative number of the wire
+    CameraError, ///< camera: the request fails; value = an error of the wire, or the code that the library
+                 ///< gives
 };
 
 /// The faults that wait for their moment. A fault strikes when a subject (a line of the board, a request of

@@ -7,6 +7,7 @@ Instrument::Instrument(const Unit& unit)
     , m_world(m_clock)
     , m_log(m_clock)
     , m_board(m_world, m_faults, m_log, unit.firmware.toLatin1())
+    , m_camera(m_world, m_faults, unit)
 {
 }
 
@@ -16,6 +17,16 @@ QString Instrument::open(const QString& folder, int silentPorts)
     if (error.isEmpty()) {
         error = m_board.open(silentPorts);
     }
+    if (error.isEmpty()) {
+        error = m_camera.listen(folder + "/camera.sock");
+    }
+    return error;
+}
+
+QString Instrument::armFault(const QJsonObject& fault)
+{
+    const QString error = m_faults.arm(fault);
+    m_camera.checkFaults();
     return error;
 }
 
@@ -23,6 +34,7 @@ void Instrument::clearFaults()
 {
     m_faults.clear();
     m_board.recover();
+    m_camera.plugIn();
 }
 
 } // namespace qr9::sim

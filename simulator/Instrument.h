@@ -6,6 +6,7 @@
 #include "simulator/World.h"
 #include "simulator/board/BoardLog.h"
 #include "simulator/board/BoardServer.h"
+#include "simulator/camera/CameraServer.h"
 
 #include <QJsonObject>
 #include <QString>
@@ -27,7 +28,12 @@ public:
     World& world() { return m_world; }
     Faults& faults() { return m_faults; }
     BoardServer& board() { return m_board; }
+    CameraServer& camera() { return m_camera; }
     const BoardLog& log() const { return m_log; }
+
+    /// Takes a fault of the control socket in.
+    /// \returns an empty text, or what is wrong with it
+    QString armFault(const QJsonObject& fault);
 
     /// Everything true again: no fault waits, the board has its voice, the camera's plug is in.
     void clearFaults();
@@ -39,6 +45,7 @@ private:
     Faults m_faults;
     BoardLog m_log;
     BoardServer m_board;
+    CameraServer m_camera;
 };
 
 } // namespace qr9::sim

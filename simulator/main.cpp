@@ -42,6 +42,9 @@ int main(int argc, char* argv[])
 
     Instrument instrument(options.unit);
     instrument.world().setQuick(options.bQuick);
+    if (!options.missingFeature.isEmpty()) {
+        instrument.armFault({ { "name", "missingFeature" }, { "value", options.missingFeature } });
+    }
     ControlServer control(instrument);
     QString error = instrument.open(options.folder, options.silentPorts);
     if (error.isEmpty()) {

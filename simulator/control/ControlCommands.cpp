@@ -3,6 +3,7 @@
 #include "simulator/Instrument.h"
 #include "simulator/Truth.h"
 #include "simulator/control/Settings.h"
+#include "simulator/optics/GroundTruth.h"
 
 #include <QJsonArray>
 
@@ -43,6 +44,33 @@ QJsonObject bestFocus(Instrument& instrument, const QJsonObject& request)
     return good(focusAt(instrument.unit(), request["x"].toInt()));
 }
 
+QJsonArray toArray(const cv::Point2d& point)
+{
+    return { point.x, point.y };
+}
+
+/// Where a perfect eye finds things in the picture that the camera would deliver now, in pixels.
+QJsonObject inPicture(Instrument& instrument, const QJsonObject&)
+{
+    const optics::UnitConstants& constants = instrument.unit().constants;
+    optics::OpticalState view = instrument.world().view();
+    if (const auto settings = instrument.camera().settings()) {
+        view.mirrorX = settings->mirrorX;
+        view.mirrorY = settings->mirrorY;
+    }
+    QJsonArray marks;
+    for (const optics::TargetMark& mark : optics::targetMarks(constants, view)) {
+        marks.append(QJsonObject { { "row", mark.row }, { "column", mark.column }, { "x", mark.centre.x },
+            { "y", mark.centre.y }, { "radius", mark.radius } });
+    }
+    return good({
+        { "targetMarks", marks },
+        { "referenceMark", toArray(optics::referenceMark(constants, view)) },
+        { "gfpShift", toArray(optics::pixelShift(constants, optics::Channel::Gfp, view)) },
+        { "rfpShift", toArray(optics::pixelShift(constants, optics::Channel::Rfp, view)) },
+    });
+}
+
 QJsonObject state(Instrument& instrument, const QJsonObject&)
 {
     return good(stateOf(instrument));
@@ -78,7 +106,7 @@ QJsonObject say(Instrument& instrument, const QJsonObject& request)
 
 QJsonObject fault(Instrument& instrument, const QJsonObject& request)
 {
-    return goodUnless(instrument.faults().arm(request));
+    return goodUnless(instrument.armFault(request));
 }
 
 QJsonObject clearFaults(Instrument& instrument, const QJsonObject&)
@@ -111,6 +139,7 @@ struct Row {
 constexpr std::array kRows {
     Row { "truth", truth },
     Row { "bestFocus", bestFocus },
+    Row { "inPicture", inPicture },
     Row { "state", state },
     Row { "transcript", transcript },
     Row { "set", set },

@@ -54,6 +54,16 @@ bool setSpeed(Instrument& instrument, const QJsonValue& value)
     return true;
 }
 
+bool setPlugged(Instrument& instrument, const QJsonValue& value)
+{
+    if (value.toBool()) {
+        instrument.camera().plugIn();
+    } else {
+        instrument.camera().unplug();
+    }
+    return true;
+}
+
 struct Row {
     const char* key;
     QJsonValue::Type type;
@@ -64,6 +74,7 @@ constexpr std::array kRows {
     Row { "x", QJsonValue::Double, setX }, // motor steps
     Row { "z", QJsonValue::Double, setZ }, // motor steps
     Row { "slide", QJsonValue::String, setSlide }, Row { "quick", QJsonValue::Bool, setQuick },
+    Row { "plugged", QJsonValue::Bool, setPlugged }, // the camera's plug
     Row { "speed", QJsonValue::Double, setSpeed }, // factor on the speed of both axes
 };
 
@@ -110,6 +121,7 @@ QJsonObject stateOf(Instrument& instrument)
                 { "rfp", leds.rfp } } },
         { "slide", kSlides.at(static_cast<std::size_t>(world.slide())) },
         { "quick", world.isQuick() },
+        { "camera", instrument.camera().state() },
         { "ignoredLines", board.ignoredLines() },
         { "unusableNumbers", board.unusableNumbers() },
     };
