@@ -1,9 +1,12 @@
 #include "platform/wire_client.h"
 
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -51,16 +54,17 @@ bool receiveAll(int socket, void* data, std::size_t size)
     return true;
 }
 
-bool receivePacket(int socket, Packet& packet)
+bool discardAll(int socket, std::size_t size)
 {
-    if (!receiveAll(socket, &packet.head, sizeof(Message))) {
-        return false;
+    std::array<std::uint8_t, 65536> waste;
+    while (size > 0) {
+        const std::size_t part = std::min(size, waste.size());
+        if (!receiveAll(socket, waste.data(), part)) {
+            return false;
+        }
+        size -= part;
     }
-    if (packet.head.magic != kMagic || packet.head.payloadBytes > kLargestPayload) {
-        return false;
-    }
-    packet.payload.resize(packet.head.payloadBytes);
-    return receiveAll(socket, packet.payload.data(), packet.payload.size());
+    return true;
 }
 
 int connectedSocket()
@@ -76,6 +80,11 @@ int connectedSocket()
     }
     std::strncpy(address.sun_path, path, sizeof(address.sun_path) - 1);
     const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    // A server that takes nothing in must not hold the caller for ever.
+    const timeval limit { kReplyLimit.count(), 0 };
+    if (socket >= 0) {
+        ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
+    }
     if (socket >= 0 && ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
         ::close(socket);
         return -1;
@@ -91,8 +100,9 @@ void setName(Message& message, const char* text)
     message.name[sizeof(message.name) - 1] = '\0';
 }
 
-Client::Client(EventHandler onEvent)
+Client::Client(EventHandler onEvent, FrameBuffer frameBuffer)
     : m_onEvent(std::move(onEvent))
+    , m_frameBuffer(std::move(frameBuffer))
     , m_socket(connectedSocket())
     , m_connected(m_socket >= 0)
 {
@@ -146,7 +156,7 @@ std::optional<Packet> Client::request(Message head, const std::vector<std::uint8
 void Client::readLoop()
 {
     Packet packet;
-    while (receivePacket(m_socket, packet)) {
+    while (receivePacket(packet)) {
         const bool event = packet.head.kind == Kind::FrameEvent || packet.head.kind == Kind::RemovedEvent;
         if (event) {
             if (m_onEvent) {
@@ -163,6 +173,26 @@ void Client::readLoop()
         packet = {};
     }
     breakOff();
+}
+
+bool Client::receivePacket(Packet& packet)
+{
+    if (!receiveAll(m_socket, &packet.head, sizeof(Message))) {
+        return false;
+    }
+    if (packet.head.magic != kMagic || packet.head.payloadBytes > kLargestPayload) {
+        return false;
+    }
+    packet.head.name[sizeof(packet.head.name) - 1] = '\0';
+    const std::uint32_t size = packet.head.payloadBytes;
+    if (packet.head.kind == Kind::FrameEvent && m_frameBuffer) {
+        if (std::uint8_t* const buffer = m_frameBuffer(packet.head)) {
+            return receiveAll(m_socket, buffer, size);
+        }
+        return discardAll(m_socket, size);
+    }
+    packet.payload.resize(size);
+    return receiveAll(m_socket, packet.payload.data(), size);
 }
 
 void Client::breakOff()

@@ -26,8 +26,12 @@ public:
     /// connection that breaks while the client lives is told as a RemovedEvent.
     using EventHandler = std::function<void(Packet&&)>;
 
+    /// Called on the reader thread when a frame begins: where its payload goes (room for `payloadBytes`), or
+    /// null to throw it away. The event that follows then carries no payload.
+    using FrameBuffer = std::function<std::uint8_t*(const Message& frame)>;
+
     /// Connects to the socket named by kSocketVariable, else to kSocketPath. Does not wait for a server.
-    explicit Client(EventHandler onEvent = {});
+    explicit Client(EventHandler onEvent = {}, FrameBuffer frameBuffer = {});
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
     /// Ends the connection and the reader thread; no event comes after it.
@@ -42,9 +46,11 @@ public:
 
 private:
     void readLoop();
+    bool receivePacket(Packet& packet);
     void breakOff();
 
     EventHandler m_onEvent;
+    FrameBuffer m_frameBuffer;
     int m_socket = -1;
     std::mutex m_requestMutex; ///< one request at a time
     mutable std::mutex m_mutex; ///< guards the members below
