@@ -12,7 +12,7 @@ from .options import REPOSITORY
 # What the tests and sanitizers of the caller may tell the program.
 PASSED_ON = [
     "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "QT_LOGGING_RULES",
-    "QTEST_FUNCTION_TIMEOUT",
+    "QTEST_FUNCTION_TIMEOUT", "QR9_PATIENCE",
 ]
 SOURCE = "/run/source"  # the source tree, read-only, for test data and suppression lists
 

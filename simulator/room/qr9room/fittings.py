@@ -72,8 +72,7 @@ def _place_instrument_files(home, options):
     if not main_application.exists():
         raise RoomError(f"{main_application} is not built")
     shutil.copy(main_application, home)
-    for file in (HERE / "files").glob("*"):
-        shutil.copy(file, home)
+    shutil.copy(HERE / "AR0134_Merel.cfg", home)
     if options.reset_program:
         shutil.copy(HERE / "stubs/Reset_BaslerCamera", home)
     if options.ini:

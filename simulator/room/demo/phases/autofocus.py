@@ -8,18 +8,17 @@ FINE_STEP = 115  # motor steps
 
 
 def run(day):
-    field = day.truth["derived"]["focusA1"]
-    day.room.instrument.ask("set", key="x", value=field["x"])
     day.hand.open_page("TAB_STAGE")
     day.hand.click("pushButton_AUTOFOCUS")
     day.room.wait_window("Info", LIMIT)
     day.screenshot("autofocus")
     day.hand.acknowledge("Info", 10)
 
+    state = day.room.instrument.ask("state")
+    true = day.room.instrument.ask("focus", x=state["x"])["bf"]
     results = re.findall(r"\[2\] m_AutofocusingRef:\D*\d+ +(\d+)", day.room.program.log())
     found = int(results[-1]) if results else None
-    day.table.near("focus found", field["bf"], found, FINE_STEP, "steps")
-    stands = day.room.instrument.ask("state")["z"]
+    day.table.near("focus found", true, found, FINE_STEP, "steps")
     if found is not None:
-        day.table.near("stage left below it", found - FINE_STEP, stands, 0, "steps")
+        day.table.near("stage left below it", found - FINE_STEP, state["z"], 0, "steps")
     day.screenshot("in-focus")
