@@ -63,7 +63,7 @@ QJsonObject RigClient::request(const QJsonObject& request)
 
 QJsonObject RigClient::truth()
 {
-    return withoutVerdict(request({ { "cmd", "truth" } }));
+    return request({ { "cmd", "truth" } }).value("truth").toObject();
 }
 
 QJsonObject RigClient::state()

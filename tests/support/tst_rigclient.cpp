@@ -57,7 +57,7 @@ private:
     {
         const QString command = request.value("cmd").toString();
         if (command == "truth")
-            return line({ { "ok", true }, { "magnification", 4.02 } });
+            return line({ { "ok", true }, { "truth", QJsonObject { { "magnification", 4.02 } } } });
         if (command == "state")
             return line({ { "ok", true }, { "x", 120 } });
         if (command == "transcript") {
