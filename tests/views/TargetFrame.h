@@ -1,0 +1,42 @@
+#pragma once
+
+#include <algorithm>
+#include <vector>
+
+// A frame of the target slide, drawn byte by byte: a bright field with dark square marks of an even side, so
+// that their centres lie between two pixels and are truncated to the left and upper of them.
+class TargetFrame {
+public:
+    static constexpr unsigned char BRIGHT = 170;
+    static constexpr unsigned char DARK = 40;
+
+    TargetFrame(int width, int height, int channels = 1)
+        : m_width(width)
+        , m_height(height)
+        , m_channels(channels)
+        , m_bytes(static_cast<std::size_t>(width * height * channels), BRIGHT)
+    {
+    }
+
+    // A mark from (left, top) on, in one channel or (-1) in all.
+    TargetFrame& mark(int left, int top, int side, unsigned char grey = DARK, int channel = -1)
+    {
+        for (int y = std::max(top, 0); y < std::min(top + side, m_height); ++y)
+            for (int x = std::max(left, 0); x < std::min(left + side, m_width); ++x)
+                for (int c = 0; c < m_channels; ++c)
+                    if (channel < 0 || channel == c)
+                        m_bytes[static_cast<std::size_t>((y * m_width + x) * m_channels + c)] = grey;
+        return *this;
+    }
+
+    unsigned char* data() { return m_bytes.data(); }
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+    int bits() const { return 8 * m_channels; }
+
+private:
+    int m_width;
+    int m_height;
+    int m_channels;
+    std::vector<unsigned char> m_bytes;
+};
