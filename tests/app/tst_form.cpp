@@ -1,0 +1,198 @@
+#include "form_table.h"
+#include "tests/support/MessageBoxWatcher.h"
+#include "ui_MainWindow.h"
+
+#include <pylon/PylonIncludes.h>
+
+#include <QtTest>
+
+/// The form alone, without the window's behaviour and without a camera.
+class tst_form : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+
+    void everyWidget_standsWhereTheFormHasIt_data();
+    void everyWidget_standsWhereTheFormHasIt();
+    void theForm_holdsTheseWidgetsAndNoOthers();
+    void theWindow_hasItsSizeTitleAndFont();
+    void atStart_theTabsAreOnQC1AndTheSlideIs2Channel();
+    void theTabs_areInOrder();
+    void theSlideList_isInOrder();
+    void workflowButtons_areViolet();
+    void buttons_takeNoFocus();
+
+private:
+    QMainWindow* m_window = nullptr;
+    Ui::MainWindow m_ui;
+};
+
+void tst_form::initTestCase()
+{
+    Pylon::PylonInitialize();
+    MessageBoxWatcher watcher; // no camera is on the bus
+    m_window = new QMainWindow;
+    m_ui.setupUi(m_window);
+}
+
+void tst_form::cleanupTestCase()
+{
+    delete m_window;
+    Pylon::PylonTerminate(true);
+}
+
+void tst_form::everyWidget_standsWhereTheFormHasIt_data()
+{
+    QTest::addColumn<int>("row");
+    int row = 0;
+    for (const FormRow& widget : kForm)
+        QTest::newRow(widget.name) << row++;
+}
+
+void tst_form::everyWidget_standsWhereTheFormHasIt()
+{
+    QFETCH(int, row);
+    const FormRow& expected = kForm[row];
+    auto* widget = m_window->findChild<QWidget*>(expected.name);
+    QVERIFY(widget != nullptr);
+    QCOMPARE(QString(widget->metaObject()->className()), QString(expected.className));
+    QCOMPARE(widget->geometry(), QRect(expected.x, expected.y, expected.width, expected.height));
+
+    const QString text = QString::fromUtf8(expected.text);
+    if (widget->property("title").isValid() && qobject_cast<QGroupBox*>(widget))
+        QCOMPARE(widget->property("title").toString(), text);
+    else if (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QLabel*>(widget)
+        || qobject_cast<QLineEdit*>(widget))
+        QCOMPARE(widget->property("text").toString(), text);
+
+    QWidget* page = widget;
+    while (page != nullptr && !page->objectName().startsWith("TAB_"))
+        page = page->parentWidget();
+    QCOMPARE(page != nullptr ? page->objectName() : QString(), QString(expected.page));
+
+    const QStringList notes = QString::fromUtf8(expected.notes).split("; ", Qt::SkipEmptyParts);
+    for (const QString& note : notes) {
+        const QString name = note.section(' ', 0, 0);
+        const QString value = note.section(' ', 1);
+        if (note == "disabled")
+            QVERIFY(!widget->isEnabledTo(widget->parentWidget()));
+        else if (note == "checked")
+            QVERIFY(widget->property("checked").toBool());
+        else if (note == "read-only")
+            QVERIFY(widget->property("readOnly").toBool());
+        else if (note == "auto-repeat")
+            QVERIFY(widget->property("autoRepeat").toBool());
+        else if (note.startsWith("max length"))
+            QCOMPARE(widget->property("maxLength").toInt(), note.section(' ', 2).toInt());
+        else if (name == "min")
+            QCOMPARE(widget->property("minimum").toDouble(), value.toDouble());
+        else if (name == "max")
+            QCOMPARE(widget->property("maximum").toDouble(), value.toDouble());
+        else if (name == "step")
+            QCOMPARE(widget->property("singleStep").toDouble(), value.toDouble());
+        else if (name == "value")
+            QCOMPARE(widget->property("value").toDouble(), value.toDouble());
+        else if (name == "decimals")
+            QCOMPARE(widget->property("decimals").toInt(), value.toInt());
+        else if (note == "repeat delay 300, interval 100")
+            QVERIFY(widget->property("autoRepeatDelay").toInt() == 300
+                && widget->property("autoRepeatInterval").toInt() == 100);
+        else
+            QFAIL(qPrintable("unknown note: " + note));
+    }
+    if (!notes.contains("disabled"))
+        QVERIFY(widget->isEnabledTo(widget->parentWidget()));
+}
+
+void tst_form::theForm_holdsTheseWidgetsAndNoOthers()
+{
+    QStringList expected;
+    for (const FormRow& row : kForm)
+        expected << row.name;
+    QCOMPARE(expected.size(), 170);
+
+    // Named by the form: everything but the pages and what Qt builds inside of its own widgets.
+    QStringList found;
+    const auto widgets
+        = m_window->findChildren<QWidget*>(QRegularExpression("^[a-zA-Z]+_[A-Z0-9_]*[A-Za-z0-9]$"));
+    for (const QWidget* widget : widgets) {
+        if (!widget->objectName().startsWith("TAB_") && !widget->objectName().startsWith("qt_"))
+            found << widget->objectName();
+    }
+    const auto labels = m_window->findChildren<QLabel*>();
+    for (const QLabel* label : labels) {
+        if (!found.contains(label->objectName()))
+            found << label->objectName();
+    }
+    found << "textBrowser";
+    expected.sort();
+    found.sort();
+    QCOMPARE(found, expected);
+}
+
+void tst_form::theWindow_hasItsSizeTitleAndFont()
+{
+    QCOMPARE(m_window->size(), QSize(1024, 600));
+    QCOMPARE(m_window->windowTitle(), QString("TAVO-QR9 Verifier"));
+    QCOMPARE(m_window->objectName(), QString("MainWindow"));
+    QCOMPARE(m_window->font().pointSize(), 11);
+    QCOMPARE(m_ui.pushButton_EXIT->font().bold(), true);
+    QCOMPARE(m_ui.pushButton_POSITION_Z->font().pointSize(), 10);
+    QCOMPARE(m_ui.plainTextEdit_RECEIVED_CMD_CONTROLLER->font().pointSize(), 10);
+    QCOMPARE(m_ui.tableWidget_SLIDE->font().pointSize(), 8);
+}
+
+void tst_form::atStart_theTabsAreOnQC1AndTheSlideIs2Channel()
+{
+    QCOMPARE(m_ui.tabWidget_CONTROLLER->currentIndex(), 2);
+    QCOMPARE(m_ui.tabWidget_CONTROLLER->currentWidget(), m_ui.TAB_QC1);
+    QCOMPARE(m_ui.comboBox_SLIDE->currentIndex(), 1);
+    QCOMPARE(m_ui.comboBox_SLIDE->maxVisibleItems(), 10);
+}
+
+void tst_form::theTabs_areInOrder()
+{
+    QStringList texts;
+    for (int i = 0; i < m_ui.tabWidget_CONTROLLER->count(); ++i)
+        texts << m_ui.tabWidget_CONTROLLER->tabText(i);
+    QCOMPARE(texts, QStringList({ "Stage", "Light", "  QC1  ", "  QC2  ", "Option", "Debug" }));
+}
+
+void tst_form::theSlideList_isInOrder()
+{
+    QStringList texts;
+    for (int i = 0; i < m_ui.comboBox_SLIDE->count(); ++i)
+        texts << m_ui.comboBox_SLIDE->itemText(i);
+    QCOMPARE(texts,
+        QStringList(
+            { "1-Channel", "2-Channel", "3-Channel", "8-Channel", "Reusable", "Validation", "Prisma Max" }));
+}
+
+void tst_form::workflowButtons_areViolet()
+{
+    const QString violet = "font: 11pt \"Sans Serif\";\nbackground-color: rgb(170, 85, 255);";
+    QCOMPARE(m_ui.pushButton_AUTOFOCUS->styleSheet(), violet);
+    QCOMPARE(m_ui.pushButton_REFERENCE_AUTOFOCUS_SET->styleSheet(), violet);
+    QCOMPARE(m_ui.pushButton_REFERENCE_Z->styleSheet(), violet);
+    QCOMPARE(m_ui.pushButton_REFERENCE_Z_SLOPE->styleSheet(), violet);
+    QCOMPARE(m_ui.plainTextEdit_RECEIVED_CMD_CONTROLLER->styleSheet(),
+        QString("background-color: rgb(255, 255, 255);"));
+    const QString arrow = m_ui.pushButton_MVN_Z->styleSheet();
+    QVERIFY(arrow.contains(":/CountMenu/Live/down.png"));
+    QVERIFY(arrow.contains(":/CountMenu/Live/down_pressed.png"));
+    QVERIFY(arrow.contains(":/CountMenu/Live/down_disabled.png"));
+}
+
+void tst_form::buttons_takeNoFocus()
+{
+    const auto buttons = m_window->findChildren<QPushButton*>();
+    for (const QPushButton* button : buttons)
+        QCOMPARE(button->focusPolicy(), Qt::NoFocus);
+    QCOMPARE(m_ui.lineEdit_ABS_Z->focusPolicy(), Qt::ClickFocus);
+    QVERIFY(m_ui.lineEdit_ABS_Z->alignment() & Qt::AlignRight);
+}
+
+QTEST_MAIN(tst_form)
+#include "tst_form.moc"
