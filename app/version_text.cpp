@@ -1,0 +1,25 @@
+#include "app/version_text.h"
+
+#include "app/zr_meta.h"
+
+#include <QDateTime>
+#include <QStringList>
+
+namespace version_text {
+
+QString valueOf(const QString& record)
+{
+    return record.split("=").value(1);
+}
+
+QString dateText(qulonglong seconds)
+{
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(seconds) * 1000).toString("yyyy-MM-dd hh:mm");
+}
+
+QString applicationVersion()
+{
+    return QString("%1|%2|%3").arg(zr_meta::VERSION, valueOf(zr_meta::BUILD_DATE), zr_meta::BASE_SVN_REV);
+}
+
+} // namespace version_text
