@@ -1,0 +1,144 @@
+#include "app/MainWindow.h"
+
+#include "app/acknowledge_box.h"
+#include "app/camera_type.h"
+#include "app/styles.h"
+#include "camera/framedelivery.h"
+#include "link/Controller.h"
+#include "ui_MainWindow.h"
+
+#include <QDebug>
+#include <QEventLoop>
+#include <QMessageBox>
+#include <QProcess>
+#include <QThread>
+
+namespace {
+
+const char* text(bool flag)
+{
+    return flag ? "true" : "false";
+}
+
+void showError(QWidget* parent, const QString& message)
+{
+    QMessageBox::information(parent, "Error", message, QMessageBox::Ok);
+}
+
+} // namespace
+
+void MainWindow::on_pushButton_CONNECT_clicked()
+{
+    // The button stays enabled while the sequence waits for the search or for a message box; a second
+    // sequence inside the first would home the stage under it.
+    if (m_bConnecting)
+        return;
+    m_bConnecting = true;
+    runConnectionSequence();
+    m_bConnecting = false;
+}
+
+void MainWindow::runConnectionSequence()
+{
+    ui->pushButton_CONNECT->setText("~~~");
+    ui->pushButton_CONNECT->setStyleSheet(styles::kBusy);
+    setCursor(Qt::WaitCursor);
+
+    QEventLoop loop;
+    connect(this, SIGNAL(sig_finish_find_Controller()), &loop, SLOT(quit()));
+    connect_Controller();
+    loop.exec();
+    qDebug() << Q_FUNC_INFO << "m_bConnected_Controller:" << text(m_bConnected_Controller);
+
+    const char* style = styles::kNeutral;
+    if (!m_bConnected_Controller) {
+        showError(this, "Fail CONTROLLER connect !");
+    } else if (!initialize_Controller()) {
+        showError(this, "Fail CONTROLLER initialize !");
+    } else {
+        check_CameraConnection();
+        style = styles::kConnected;
+    }
+    ui->pushButton_CONNECT->setText("Connect");
+    ui->pushButton_CONNECT->setStyleSheet(style);
+
+    if (style == styles::kConnected) {
+        qDebug() << "m_CAM_type:" << m_CAM_type;
+        if (m_CAM_type == CAMERA_BASLER) {
+            ui->checkBox_HOR_MIRROR->setChecked(false);
+            ui->checkBox_VER_MIRROR->setChecked(false);
+            ui->checkBox_HOR_MIRROR->hide();
+            ui->checkBox_VER_MIRROR->hide();
+        } else if (m_CAM_type == CAMERA_AR0134) {
+            ui->checkBox_HOR_MIRROR->show();
+            ui->checkBox_VER_MIRROR->show();
+        }
+    }
+    setCursor(Qt::ArrowCursor);
+    ui->pushButton_EXIT->setVisible(true);
+}
+
+void MainWindow::connect_Controller()
+{
+    m_pController->m_portList = QSerialPortInfo::availablePorts();
+    m_pController->m_bFound = false;
+    m_pController->m_portIndex = 0;
+    m_pController->m_bSearching = true;
+    m_pController->m_portLast = m_pController->m_portList.count() - 1;
+    m_pController->do_COM_PortFind_Controller();
+}
+
+void MainWindow::slot_finish_find_Controller(bool found, QString port)
+{
+    m_pController->m_bSearching = false;
+    m_bConnected_Controller = found;
+    // Ends the local loop of the connection, which goes on only when this slot has returned.
+    emit sig_finish_find_Controller();
+    if (found) {
+        ui->lineEdit_COM_PORT_CONTROLLER->setText(port);
+        ui->lineEdit_COM_PORT_CONTROLLER->setStyleSheet(styles::kReady);
+    } else {
+        QMessageBox::critical(this, "Error", "COM Port [Controller] not find !!!", QMessageBox::Ok);
+    }
+}
+
+bool MainWindow::initialize_Controller()
+{
+    return origin_STAGE() && setup_STAGE() && standby_STAGE() && setup_ILLUMINATION();
+}
+
+void MainWindow::check_CameraConnection()
+{
+    m_bConnected_Camera = false;
+    m_CAM_type = ui->BASLER_VIDEO_WIDGET->cameraType();
+    if (m_CAM_type != CAMERA_NONE)
+        initialize_Basler(1280, 960, 8);
+    else
+        showError(this, "Check if the CAMERA is present !");
+
+    m_bConnected_Camera = FrameDelivery::m_pInstance != nullptr && FrameDelivery::m_pInstance->isRunning();
+    if (!m_bConnected_Camera)
+        showError(this, "Check CAMERA connection !");
+    qDebug() << Q_FUNC_INFO << m_CAM_type << text(m_bConnected_Camera);
+}
+
+void MainWindow::on_pushButton_EXIT_clicked()
+{
+    ui->pushButton_EXIT->setEnabled(false);
+    if (m_bConnected_Controller) {
+        off_illumination_LED();
+        QThread::msleep(25);
+        m_strCommand = "$X#STAGE ORIGIN\n";
+        m_pController->direct_read(m_strCommand);
+    }
+    if (m_bConnected_Camera && FrameDelivery::m_pInstance != nullptr)
+        FrameDelivery::m_pInstance->stop();
+    qDebug() << "!!!!!!!!!!!!!!!!!!!!!!RESTART";
+    if (m_bSerialChanged) {
+        AcknowledgeBox box("Info", "The serial number has changed, so a restart will be performed!!", this);
+        box.exec();
+        if (box.isAcknowledged())
+            QProcess::startDetached("systemctl", { "restart", "rc-local.service" });
+    }
+    close();
+}
