@@ -128,8 +128,8 @@ void addCellsOfSquare(
 
 void paintBrightFieldCell(ScenePainter& painter, const Cell& cell)
 {
-    constexpr double kRimHeight = 0.07; // the halo of light that a cell bends outwards
-    constexpr double kRimWidthUm = 1.8;
+    constexpr double kRimHeight = 0.14; // the halo of light that a cell bends outwards
+    constexpr double kRimWidthUm = 2.2;
     constexpr double kCentreLift = 0.1; // its middle is a little lighter than its edge
     const double reachUm = cell.radius + kRimWidthUm + 1.0 / painter.pixelsPerUm();
     painter.dim(cell.centre, cell.centre, reachUm, [&](double distanceUm) {
@@ -151,6 +151,25 @@ void paintGlowingCell(ScenePainter& painter, const Cell& cell, double brightness
         const double thickness = kEdgeBrightness + (1.0 - kEdgeBrightness) * std::sqrt(1.0 - part * part);
         return brightness * thickness * painter.coverage(distanceUm, radius);
     });
+}
+
+/// A speck is a short crumpled stroke, a fibre a long one that bends a little at every piece.
+void paintDustPiece(ScenePainter& painter, Random& random, cv::Point2d at)
+{
+    const bool fibre = random.fraction() < kFibreShare;
+    const double transmission = random.between(0.35, 0.75);
+    const double radiusUm = fibre ? random.between(0.6, 1.0) : random.between(0.6, 1.8);
+    const double pieceUm = fibre ? random.between(2.0, 5.0) : random.between(0.5, 2.0);
+    const double bend = fibre ? 0.45 : 2.0;
+    const int pieces = fibre ? 9 : 3;
+    cv::Point2d heading = direction(random);
+    for (int piece = 0; piece < pieces; ++piece) {
+        const cv::Point2d next = at + heading * pieceUm;
+        painter.stroke(at, next, radiusUm, transmission);
+        at = next;
+        heading += direction(random) * bend;
+        heading /= std::sqrt(heading.dot(heading) + 1e-6);
+    }
 }
 
 } // namespace
@@ -190,19 +209,10 @@ void paintDust(ScenePainter& painter, std::uint32_t seed, Slide slide, double fr
         for (int j = -kDustRows; j < kDustRows; ++j) {
             Random random(keyOf(kDustKey, seed, slide, i, j));
             const bool there = random.fraction() < kDustShare;
-            const bool fibre = random.fraction() < kFibreShare;
             const double u = (i + random.fraction()) * kDustSquareUm;
-            cv::Point2d at(u, (j + random.fraction()) * kDustSquareUm);
-            if (!there || nearTrayMark(at)) {
-                continue;
-            }
-            const double transmission = random.between(0.35, 0.75);
-            const double radius = fibre ? random.between(0.6, 1.0) : random.between(0.6, 1.8);
-            const double piece = fibre ? random.between(8.0, 16.0) : random.between(0.5, 2.0);
-            for (int bend = 0; bend < 3; ++bend) {
-                const cv::Point2d next = at + direction(random) * piece;
-                painter.stroke(at, next, radius, transmission);
-                at = next;
+            const double v = (j + random.fraction()) * kDustSquareUm;
+            if (there && !nearTrayMark({ u, v })) {
+                paintDustPiece(painter, random, { u, v });
             }
         }
     }

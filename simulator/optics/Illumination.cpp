@@ -23,6 +23,9 @@ constexpr NominalLight kNominalLight[] = {
     { Channel::Rfp, 155.0, 350, 80.0, 5.0 },
 };
 
+constexpr double kLeastGainDb = -24.0;
+constexpr double kMostGainDb = 60.0;
+
 double lightOfLeds(const UnitConstants& unit, Channel channel, const LedLevels& leds)
 {
     switch (channel) {
@@ -49,7 +52,9 @@ std::optional<Channel> channelOf(int filter)
 
 double gainFactor(double gainDb)
 {
-    return std::pow(10.0, gainDb / 20.0);
+    // Written so that a value that is not a number counts as the lower limit.
+    const double limited = gainDb > kLeastGainDb ? std::min(gainDb, kMostGainDb) : kLeastGainDb;
+    return std::pow(10.0, limited / 20.0);
 }
 
 double greyOfFullLight(const UnitConstants& unit, const OpticalState& state)
@@ -60,8 +65,9 @@ double greyOfFullLight(const UnitConstants& unit, const OpticalState& state)
     }
     const NominalLight& nominal = kNominalLight[static_cast<int>(*channel)];
     const double relativeLight = lightOfLeds(unit, *channel, state.leds) / nominal.levels;
-    const double relativeExposure = std::max(state.exposureMs, 0.0) / nominal.exposureMs;
-    return nominal.grey * relativeLight * relativeExposure * gainFactor(state.gainDb - nominal.gainDb);
+    const double relativeExposure = (state.exposureMs > 0.0 ? state.exposureMs : 0.0) / nominal.exposureMs;
+    return nominal.grey * relativeLight * relativeExposure * gainFactor(state.gainDb)
+        / gainFactor(nominal.gainDb);
 }
 
 LightFall lightFallOf(Slide slide, Channel channel)

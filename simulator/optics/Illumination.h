@@ -10,7 +10,7 @@ namespace qr9::optics {
 /// The channel that the filter wheel lets through; none between its positions.
 std::optional<Channel> channelOf(int filter);
 
-/// Factor of a gain in dB.
+/// Factor of a gain in dB; gains beyond -24 to 60 dB, which no camera has, count as the limit.
 double gainFactor(double gainDb);
 
 /// Grey values above black that one unit of scene light (ScenePainter.h) brings at the state's LED levels,

@@ -20,7 +20,8 @@ constexpr std::uint64_t joinKeys(std::uint64_t key, std::uint64_t number)
 
 /// SplitMix64: a sequence of random numbers that is the same on every machine, which the distributions of the
 /// standard library are not. Cheap to seed, so that every little square of a slide can have a sequence of its
-/// own.
+/// own. Draw one number a statement: the order in which the arguments of a call are evaluated is the
+/// compiler's.
 class Random {
 public:
     constexpr explicit Random(std::uint64_t key)

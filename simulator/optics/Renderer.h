@@ -22,6 +22,7 @@ namespace qr9::optics {
 /// a time. About 20 MB.
 class Renderer {
 public:
+    /// The unit must have no impossibleConstant().
     explicit Renderer(const UnitConstants& unit);
 
     /// Renders one frame into `frame` (CV_8UC1, 960 rows of 1280; reused where it has that shape already).

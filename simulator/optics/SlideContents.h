@@ -40,8 +40,8 @@ constexpr SlideContents kSlideContents[] = {
 // mm long.
 constexpr SlideZone kSlideZones[] = {
     { Slide::OneChannel, -38.5, -32.0, 40.0, true }, // the last fields of the long chamber
-    { Slide::TwoChannel, -33.25, -32.35, 45.0, true }, // field A4
-    { Slide::TwoChannel, -28.75, -27.85, 600.0, true }, // field A9
+    { Slide::TwoChannel, -33.4, -32.2, 45.0, true }, // field A4
+    { Slide::TwoChannel, -28.9, -27.7, 600.0, true }, // field A9
     { Slide::ThreeChannel, 1.0, 12.3, 200.0, false }, // the third chamber, unstained
     { Slide::EightChannel, 13.0, 18.2, 40.0, false }, // the eighth chamber, unstained
 };

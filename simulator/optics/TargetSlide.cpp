@@ -60,13 +60,14 @@ void paintDirt(ScenePainter& painter, std::uint32_t seed, double fromUm, double 
             Random random(joinKeys(joinKeys(joinKeys(seed, 0xD127), static_cast<std::uint64_t>(i)),
                 static_cast<std::uint64_t>(j)));
             const bool there = random.fraction() < kDirtShare;
-            const cv::Point2d place(
-                (i + random.fraction()) * kDirtSquareUm, (j + random.fraction()) * kDirtSquareUm);
-            const cv::Point2d end = place + cv::Point2d(random.between(-6.0, 6.0), random.between(-6.0, 6.0));
-            const double radius = random.between(0.8, 2.2);
+            const double u = (i + random.fraction()) * kDirtSquareUm;
+            const double v = (j + random.fraction()) * kDirtSquareUm;
+            const double du = random.between(-6.0, 6.0);
+            const double dv = random.between(-6.0, 6.0);
+            const double radiusUm = random.between(0.8, 2.2);
             const double transmission = random.between(0.55, 0.8);
-            if (there && !nearMark(place)) {
-                painter.stroke(place, end, radius, transmission);
+            if (there && !nearMark({ u, v })) {
+                painter.stroke({ u, v }, { u + du, v + dv }, radiusUm, transmission);
             }
         }
     }

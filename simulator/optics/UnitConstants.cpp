@@ -2,6 +2,8 @@
 
 #include "simulator/optics/Random.h"
 
+#include <iterator>
+
 namespace qr9::optics {
 
 namespace {
@@ -39,6 +41,36 @@ constexpr UnitRange kUnitRanges[] = {
     { &UnitConstants::shotNoise, 6000, 12000, 1000000 },
 };
 
+/// Limits of a constant beyond which a picture makes no sense, or cannot be computed.
+struct UnitLimit {
+    const char* name;
+    double UnitConstants::*constant;
+    double low;
+    double high;
+};
+
+constexpr UnitLimit kUnitLimits[] = {
+    { "markX", &UnitConstants::markX, -1e6, 1e6 },
+    { "bestFocusA1", &UnitConstants::bestFocusA1, -1e6, 1e6 },
+    { "slope", &UnitConstants::slope, -1e3, 1e3 },
+    { "curvature", &UnitConstants::curvature, -10.0, 10.0 },
+    { "fluorescenceFocusOffset", &UnitConstants::fluorescenceFocusOffset, -1e4, 1e4 },
+    { "magnification", &UnitConstants::magnification, 1.0, 40.0 },
+    { "gfpShiftX", &UnitConstants::gfpShiftX, -60.0, 60.0 },
+    { "gfpShiftY", &UnitConstants::gfpShiftY, -60.0, 60.0 },
+    { "rfpShiftX", &UnitConstants::rfpShiftX, -60.0, 60.0 },
+    { "rfpShiftY", &UnitConstants::rfpShiftY, -60.0, 60.0 },
+    { "ledResponseBrightField1", &UnitConstants::ledResponseBrightField1, 0.0, 10.0 },
+    { "ledResponseBrightField2", &UnitConstants::ledResponseBrightField2, 0.0, 10.0 },
+    { "ledResponseGfp", &UnitConstants::ledResponseGfp, 0.0, 10.0 },
+    { "ledResponseRfp", &UnitConstants::ledResponseRfp, 0.0, 10.0 },
+    { "blackLevel", &UnitConstants::blackLevel, 0.0, 255.0 },
+    { "readNoise", &UnitConstants::readNoise, 0.0, 30.0 },
+    { "shotNoise", &UnitConstants::shotNoise, 0.0, 1.0 },
+};
+static_assert(
+    sizeof(UnitConstants) == (std::size(kUnitLimits) + 1) * sizeof(double), "each constant has its limits");
+
 } // namespace
 
 UnitConstants unitFromSeed(std::uint32_t seed)
@@ -52,6 +84,17 @@ UnitConstants unitFromSeed(std::uint32_t seed)
         unit.*range.constant = static_cast<double>(chosen) / range.scale;
     }
     return unit;
+}
+
+const char* impossibleConstant(const UnitConstants& unit)
+{
+    for (const UnitLimit& limit : kUnitLimits) {
+        const double value = unit.*limit.constant;
+        if (!(value >= limit.low && value <= limit.high)) {
+            return limit.name;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace qr9::optics

@@ -52,4 +52,8 @@ struct UnitConstants {
 /// table in UnitConstants.cpp and is a round decimal, so that it reads well in a file.
 UnitConstants unitFromSeed(std::uint32_t seed);
 
+/// Tells whether a record that a person wrote describes something that can be rendered.
+/// \returns nullptr, or the name of the first constant that lies beyond the limits of any real unit
+const char* impossibleConstant(const UnitConstants& unit);
+
 } // namespace qr9::optics
