@@ -8,7 +8,6 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <vector>
 
 Q_DECLARE_METATYPE(cv::Mat)
 
@@ -86,7 +85,8 @@ void tst_focus_bits::everySmallSize()
 {
     for (int height = 1; height <= 10; ++height) {
         for (int width = 1; width <= 70; ++width) {
-            const auto seed = static_cast<std::uint64_t>(100 * width + height);
+            const std::uint64_t seed
+                = 100U * static_cast<unsigned int>(width) + static_cast<unsigned int>(height);
             for (const cv::Mat& image : { random(width, height, seed),
                      randomBlackAndWhite(width, height, seed), uniform(width, height, width + height),
                      checkerboard(width, height, 1), cv::Mat(random(width, height, seed) / 12) }) {
@@ -167,7 +167,7 @@ void tst_focus_bits::rowsOfALargerMatrix_seeTheRowsAround()
 
 void tst_focus_bits::paddedRows()
 {
-    std::vector<uchar> memory(80 * 30, 77);
+    std::array<uchar, 80 * 30> memory {};
     cv::Mat padded(30, 64, CV_8UC1, memory.data(), 80);
     random(64, 30, 10).copyTo(padded);
     QVERIFY(!padded.isContinuous());

@@ -1,4 +1,6 @@
 #include "algorithms/alg_pixelShift.h"
+#include "algorithms/pixelShift_literal.h"
+#include "algorithms/shift_search.h"
 
 #include "tests/algorithms/log_capture.h"
 #include "tests/algorithms/pictures.h"
@@ -8,6 +10,7 @@
 #include <QtTest>
 
 #include <array>
+#include <vector>
 
 Q_DECLARE_METATYPE(cv::Mat)
 
@@ -110,7 +113,9 @@ private slots:
     void everyThreshold();
     void greyReference();
     void periodicPicture_firstOfEqualPeaksCounts();
+    void manyTinyPictures_firstOfEqualPeaksCounts();
     void repeatedBinaryImages();
+    void repeatedBinaryImages_haveTheirResultsToo();
     void partsOfLargerMatrices();
     void singleRowOrColumn_actsAsTheLibrary();
     void emptyImages_endInTheLibrarysException();
@@ -152,7 +157,7 @@ void tst_shift_bits::smallSizes()
 {
     QFETCH(int, width);
     QFETCH(int, height);
-    const auto seed = static_cast<std::uint64_t>(1000 * width + height);
+    const std::uint64_t seed = 1000U * static_cast<unsigned int>(width) + static_cast<unsigned int>(height);
     const cv::Mat picture = random(width, height, seed) / 4;
     QVERIFY(searchHasSameBits(binary(picture, 25), moved(picture, 1, 1), cells(width, height, seed)));
     QVERIFY(measurementHasSameBits(binary(picture, 25), picture, cells(width, height, seed), 31, 17));
@@ -233,6 +238,19 @@ void tst_shift_bits::periodicPicture_firstOfEqualPeaksCounts()
     }
 }
 
+void tst_shift_bits::manyTinyPictures_firstOfEqualPeaksCounts()
+{
+    // So small that many peaks are exactly equal, in every pair of quarters of the surface.
+    for (const cv::Size& size : { cv::Size(4, 4), cv::Size(8, 4), cv::Size(4, 6), cv::Size(3, 4) }) {
+        for (std::uint64_t seed = 0; seed < 500; ++seed) {
+            const cv::Mat reference = randomBlackAndWhite(size.width, size.height, 3 * seed);
+            const cv::Mat gf = randomBlackAndWhite(size.width, size.height, 3 * seed + 1);
+            const cv::Mat rf = binary(random(size.width, size.height, 3 * seed + 2), 220);
+            QVERIFY2(measurementHasSameBits(reference, gf, rf, 15, 15), QByteArray::number(seed));
+        }
+    }
+}
+
 void tst_shift_bits::repeatedBinaryImages()
 {
     // Grey levels that leave one, two or all of the seven binary images apart from each other.
@@ -241,6 +259,24 @@ void tst_shift_bits::repeatedBinaryImages()
         cv::Mat twoLevels = shape.clone();
         twoLevels.setTo(level, random(200, 150, 14) < 20);
         QVERIFY(searchHasSameBits(shape, twoLevels, moved(twoLevels, 2, 2)));
+    }
+}
+
+void tst_shift_bits::repeatedBinaryImages_haveTheirResultsToo()
+{
+    const cv::Mat reference = binary(cells(90, 80, 21), 40);
+    const cv::Mat gf = moved(reference, 2, 3);
+    const cv::Mat rf = random(90, 80, 22);
+    const std::vector<int> thresholds { 15, 15, 20, 254, 255, 300 };
+    const auto results
+        = measureShifts(reference, { ShiftChannel { gf, thresholds }, ShiftChannel { rf, thresholds } });
+    for (std::size_t i = 0; i < thresholds.size(); ++i) {
+        const auto expected = pixelShift_literal::measure(reference, gf, rf, thresholds[i], thresholds[i]);
+        for (std::size_t c = 0; c < expected.size(); ++c) {
+            QVERIFY(sameBits(results[c][i].shift.x, expected[c].shift.x));
+            QVERIFY(sameBits(results[c][i].shift.y, expected[c].shift.y));
+            QVERIFY(sameBits(results[c][i].response, expected[c].response));
+        }
     }
 }
 
