@@ -206,7 +206,7 @@ double varianceOfLaplacian(const unsigned char* pixels, int width, int height)
         for (const int edge : { 0, width - 1 }) {
             const int value = laplacianAt(rows, mirrored(edge - 1, width), edge, mirrored(edge + 1, width));
             moments.sum += value;
-            moments.squares += value * value;
+            moments.squares += std::int64_t { value } * value;
             if (width == 1)
                 break;
         }

@@ -4,6 +4,18 @@
 
 #include <cstring>
 
+namespace {
+
+template <typename Bits, typename Number> Bits bitsOf(Number number)
+{
+    static_assert(sizeof(Bits) == sizeof(Number));
+    Bits bits;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bits;
+}
+
+} // namespace
+
 namespace pictures {
 
 cv::Mat random(int width, int height, std::uint64_t seed)
@@ -73,10 +85,10 @@ cv::Mat binary(const cv::Mat& picture, int threshold)
 
 bool sameBits(double a, double b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return bitsOf<std::uint64_t>(a) == bitsOf<std::uint64_t>(b);
 }
 
 bool sameBits(float a, float b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return bitsOf<std::uint32_t>(a) == bitsOf<std::uint32_t>(b);
 }

@@ -167,7 +167,7 @@ void tst_focus_bits::rowsOfALargerMatrix_seeTheRowsAround()
 
 void tst_focus_bits::paddedRows()
 {
-    std::array<uchar, 80 * 30> memory {};
+    std::array<uchar, 2400> memory {}; // 30 rows of 80
     cv::Mat padded(30, 64, CV_8UC1, memory.data(), 80);
     random(64, 30, 10).copyTo(padded);
     QVERIFY(!padded.isContinuous());

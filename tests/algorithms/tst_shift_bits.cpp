@@ -246,7 +246,8 @@ void tst_shift_bits::manyTinyPictures_firstOfEqualPeaksCounts()
             const cv::Mat reference = randomBlackAndWhite(size.width, size.height, 3 * seed);
             const cv::Mat gf = randomBlackAndWhite(size.width, size.height, 3 * seed + 1);
             const cv::Mat rf = binary(random(size.width, size.height, 3 * seed + 2), 220);
-            QVERIFY2(measurementHasSameBits(reference, gf, rf, 15, 15), QByteArray::number(seed));
+            QVERIFY2(measurementHasSameBits(reference, gf, rf, 15, 15),
+                QByteArray::number(static_cast<qulonglong>(seed)));
         }
     }
 }
