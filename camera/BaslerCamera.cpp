@@ -2,33 +2,9 @@
 
 #include <QDebug>
 
-#include <algorithm>
-#include <array>
-
 namespace {
 
 constexpr char kDeviceClass[] = "BaslerUsb";
-
-/// A family of cameras by the first two letters of the model name.
-struct Family {
-    const char* prefix;
-    int family;
-    bool centred; ///< has CenterX and CenterY
-};
-constexpr std::array<Family, 3> kFamilies { {
-    { "ac", 0, true },
-    { "pu", 1, false },
-    { "da", 2, false },
-} };
-constexpr int kUnknownFamily = 1;
-
-const Family* familyOf(const QString& modelName)
-{
-    const QString prefix = modelName.left(2).toLower();
-    const auto* const found = std::find_if(kFamilies.begin(), kFamilies.end(),
-        [&prefix](const Family& family) { return prefix == QLatin1String(family.prefix); });
-    return found == kFamilies.end() ? nullptr : found;
-}
 
 Pylon::CDeviceInfo usbFilter()
 {
@@ -42,14 +18,6 @@ int enumerate(Pylon::DeviceInfoList& list)
     Pylon::DeviceInfoList filter;
     filter.push_back(usbFilter());
     return Pylon::CTlFactory::GetInstance().EnumerateDevices(list, filter, false);
-}
-
-int clampTo(uint requested, int lowest, int highest)
-{
-    const auto wanted = static_cast<qint64>(requested);
-    if (wanted < lowest)
-        return lowest;
-    return wanted > highest ? highest : static_cast<int>(wanted);
 }
 
 /// Writes `value` unless the node has it already. The limits are those of the map, in the precision of the
@@ -117,53 +85,6 @@ void BaslerCamera::open()
     } catch (const GenICam::GenericException& exception) {
         qDebug() << Q_FUNC_INFO << "Exception: Basler Camera Open() failed" << exception.GetDescription();
     }
-}
-
-void BaslerCamera::initalize(uint width, uint height, uint bitsPerPixel, DeviceNodeMap& map)
-{
-    qDebug() << Q_FUNC_INFO;
-    GenApi::INodeMap& nodes = GetNodeMap();
-    const GenApi::CFloatPtr gainNode = nodes.GetNode("Gain");
-    const GenApi::CFloatPtr exposureNode = nodes.GetNode("ExposureTime");
-    const GenApi::CIntegerPtr widthNode = nodes.GetNode("Width");
-    const GenApi::CIntegerPtr heightNode = nodes.GetNode("Height");
-
-    m_nodeMap.widthMin = static_cast<int>(widthNode->GetMin());
-    m_nodeMap.widthMax = static_cast<int>(widthNode->GetMax());
-    m_nodeMap.heightMin = static_cast<int>(heightNode->GetMin());
-    m_nodeMap.heightMax = static_cast<int>(heightNode->GetMax());
-
-    const GenApi::CStringPtr modelNode = nodes.GetNode("DeviceModelName");
-    m_nodeMap.modelName = QString::fromUtf8(modelNode->GetValue().c_str());
-    const Family* const family = familyOf(m_nodeMap.modelName);
-    if (family == nullptr) {
-        m_nodeMap.family = kUnknownFamily;
-        return;
-    }
-    m_nodeMap.family = family->family;
-
-    m_nodeMap.width = clampTo(width, m_nodeMap.widthMin, m_nodeMap.widthMax);
-    m_nodeMap.height = clampTo(height, m_nodeMap.heightMin, m_nodeMap.heightMax);
-    m_nodeMap.exposureMin = exposureNode->GetMin();
-    m_nodeMap.exposureMax = exposureNode->GetMax();
-    m_nodeMap.gainMin = gainNode->GetMin();
-    m_nodeMap.gainMax = gainNode->GetMax();
-    map = m_nodeMap;
-
-    ExposureAuto.SetValue(Basler_UsbCameraParams::ExposureAuto_Off, true);
-    GainAuto.SetValue(Basler_UsbCameraParams::GainAuto_Off, true);
-    widthNode->SetValue(m_nodeMap.width, true);
-    heightNode->SetValue(m_nodeMap.height, true);
-    if (family->centred) {
-        CenterX.SetValue(true, true);
-        CenterY.SetValue(true, true);
-    }
-    PixelFormat.SetValue(bitsPerPixel == 16 ? Basler_UsbCameraParams::PixelFormat_Mono12
-                                            : Basler_UsbCameraParams::PixelFormat_Mono8,
-        true);
-    ReverseX.SetValue(true, true);
-    ReverseY.SetValue(false, true);
-    OverlapMode.SetValue(Basler_UsbCameraParams::OverlapMode_Off, true);
 }
 
 void BaslerCamera::start()
@@ -278,7 +199,12 @@ void BaslerCamera::release(
     Pylon::CImageEventHandler* handler, Pylon::CConfigurationEventHandler* configuration)
 {
     qDebug() << Q_FUNC_INFO;
-    stop();
+    try {
+        stop();
+    } catch (const GenICam::GenericException& exception) {
+        // The handlers must go all the same: their owner may be about to end.
+        qDebug() << Q_FUNC_INFO << exception.GetDescription();
+    }
     if (handler != nullptr)
         DeregisterImageEventHandler(handler);
     if (configuration != nullptr)
