@@ -30,7 +30,7 @@ std::unique_ptr<CameraModel> makeModel(const Unit& unit)
 QString subjectOf(const wire::Message& request)
 {
     const QString name = QString::fromLatin1(request.name);
-    const QString address = QStringLiteral("0x%1").arg(request.code, 4, 16, QLatin1Char('0')).toUpper();
+    const QString address = "0x" + QString::number(request.code, 16).toUpper();
     switch (request.kind) {
     case wire::Kind::Devices:
         return QStringLiteral("Devices");
@@ -278,7 +278,7 @@ void CameraServer::unplug()
 void CameraServer::checkFaults()
 {
     // Only a fault whose match is empty fits the empty subject.
-    if (m_faults.take(FaultKind::Unplug, QString())) {
+    if (m_faults.take(FaultKind::Unplug, QStringLiteral(""))) {
         unplug();
     }
 }
