@@ -1,5 +1,6 @@
 #include "views/CameraView.h"
 
+#include "camera/ar0134_framedelivery.h"
 #include "camera/baslerframedelivery.h"
 #include "camera/framedelivery.h"
 #include "views/reticle.h"
@@ -59,6 +60,7 @@ CameraView::CameraView(QWidget* parent, int pseudoColorTableIndex)
         qDebug() << Q_FUNC_INFO << "!!! Basler Camera is Attached !!!";
         m_cameraType = CAMERA_BASLER;
     } else {
+        new Ar0134FrameDelivery(this);
         if (FrameDelivery::m_pInstance != nullptr) {
             qDebug() << Q_FUNC_INFO << "!!! AR0134 Camera is Attached !!!";
             m_cameraType = CAMERA_AR0134;

@@ -114,10 +114,10 @@ void ScriptedBoard::refuseOpens(int count, std::uint32_t code)
     m_refusalCode = code;
 }
 
-void ScriptedBoard::setOldFirmware(bool old)
+void ScriptedBoard::setModeCode(std::uint32_t code)
 {
     const std::lock_guard lock(m_mutex);
-    m_oldFirmware = old;
+    m_modeCode = code;
 }
 
 void ScriptedBoard::setPicture(std::function<Bytes(int)> picture)
@@ -285,8 +285,9 @@ void ScriptedBoard::answer(int socket, wire::Message request, const Bytes& paylo
         if (m_unplugged) {
             fail(reply, wire::Error::Removed, 0);
         } else if (request.kind == wire::Kind::Devices) {
-            reply.code = m_boards;
-            for (int i = 0; i < m_boards; ++i) {
+            const bool asked = std::string(request.name) == wire::kClassArduCam;
+            reply.code = asked ? m_boards : 0;
+            for (int i = 0; i < reply.code; ++i) {
                 wire::Device device;
                 std::strcpy(device.deviceClass, wire::kClassArduCam);
                 std::strcpy(device.serial, kSerial);
@@ -295,8 +296,8 @@ void ScriptedBoard::answer(int socket, wire::Message request, const Bytes& paylo
         } else if (request.kind == wire::Kind::Open) {
             openAnswer(reply, answerPayload);
         } else if (request.kind == wire::Kind::SetFeature) {
-            if (m_oldFirmware && std::string(request.name) == "Mode") {
-                fail(reply, wire::Error::OldFirmware, 0);
+            if (m_modeCode != 0 && std::string(request.name) == "Mode") {
+                fail(reply, wire::Error::Refused, m_modeCode);
             }
         } else if (request.kind == wire::Kind::Trigger) {
             trigger(socket, reply);

@@ -52,8 +52,8 @@ public:
     void setUsbType(int usbType);
     /// The next `count` opens fail with `code`.
     void refuseOpens(int count, std::uint32_t code);
-    /// setMode answers that the firmware does not know it.
-    void setOldFirmware(bool old);
+    /// What setMode answers; old firmware says 65393.
+    void setModeCode(std::uint32_t code);
     /// The picture of frame number `frame`, from 1. Without a function: 1280 by 964 grey values of 100.
     void setPicture(std::function<Bytes(int frame)> picture);
     /// What becomes of the next triggers, one each; after them all are good, with `delay`.
@@ -104,7 +104,7 @@ private:
     int m_usbType = 3;
     int m_refusals = 0;
     std::uint32_t m_refusalCode = 0;
-    bool m_oldFirmware = false;
+    std::uint32_t m_modeCode = 0;
     bool m_unplugged = false;
     std::function<Bytes(int)> m_picture;
     std::deque<Shot> m_shots;

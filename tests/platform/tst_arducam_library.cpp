@@ -129,7 +129,7 @@ private slots:
     {
         open();
         QCOMPARE(ArduCam_setMode(m_handle, 1), 0U);
-        m_board->setOldFirmware(true);
+        m_board->setModeCode(65393);
         QCOMPARE(ArduCam_setMode(m_handle, 1), 65393U);
     }
 

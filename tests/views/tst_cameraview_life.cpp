@@ -1,3 +1,5 @@
+#include "camera/ar0134_framedelivery.h"
+#include "camera/baslerframedelivery.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/views/LiveView.h"
@@ -15,7 +17,11 @@ class tst_CameraViewLife : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() { BaslerFrameDelivery::attached = false; }
+    void init()
+    {
+        BaslerFrameDelivery::attached = false;
+        Ar0134FrameDelivery::attached = false;
+    }
 
     void baslerCamera_becomesTheSourceAndChildOfTheView()
     {
@@ -39,6 +45,29 @@ private slots:
         const CameraView view;
         QCOMPARE(BaslerFrameDelivery::viewAtConstruction, &view);
         QCOMPARE(CameraView::Instance(), &view);
+    }
+
+    void ar0134Camera_becomesTheSourceAndChildOfTheView()
+    {
+        Ar0134FrameDelivery::attached = true;
+        const LogCapture log;
+        MessageBoxWatcher boxes;
+        const CameraView view;
+        QVERIFY(FrameDelivery::m_pInstance != nullptr);
+        QCOMPARE(FrameDelivery::m_pInstance->parent(), &view);
+        QCOMPARE(Ar0134FrameDelivery::viewAtConstruction, &view);
+        QCOMPARE(view.cameraType(), 2);
+        QVERIFY(boxes.boxes().isEmpty());
+        QCOMPARE(log.lines().last(), CONSTRUCTOR + " !!! AR0134 Camera is Attached !!!");
+    }
+
+    void bothCameras_theBaslerOneIsTaken()
+    {
+        BaslerFrameDelivery::attached = true;
+        Ar0134FrameDelivery::attached = true;
+        const CameraView view;
+        QVERIFY(dynamic_cast<BaslerFrameDelivery*>(FrameDelivery::m_pInstance) != nullptr);
+        QCOMPARE(view.cameraType(), 1);
     }
 
     void noCamera_isToldInABox()

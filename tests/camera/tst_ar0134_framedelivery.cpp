@@ -1,0 +1,395 @@
+#include "camera/ar0134.h"
+#include "camera/ar0134_framedelivery.h"
+#include "tests/camera/Ar0134Bench.h"
+#include "tests/platform/ScriptedBoard.h"
+#include "tests/support/LogCapture.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <cmath>
+#include <memory>
+
+using qr9::wire::Kind;
+using Bytes = ScriptedBoard::Bytes;
+using Shot = ScriptedBoard::Shot;
+
+// The frame source on the driver: opening, units, live mode, one-shot triggers, and its end.
+class tst_ar0134_framedelivery : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_board = std::make_unique<ScriptedBoard>();
+        m_bench = std::make_unique<Ar0134Bench>();
+    }
+    void cleanup()
+    {
+        m_source.reset();
+        m_bench.reset();
+        m_board.reset();
+    }
+
+    void attachedBoard_isFound()
+    {
+        QVERIFY(Ar0134FrameDelivery::isCameraAttached());
+        m_board->setBoards(0);
+        QVERIFY(!Ar0134FrameDelivery::isCameraAttached());
+    }
+
+    void openBoard_becomesTheSourceOfTheProcess()
+    {
+        const LogCapture log;
+        open();
+        QCOMPARE(FrameDelivery::m_pInstance, static_cast<FrameDelivery*>(m_source.get()));
+        QVERIFY(m_source->isRunning());
+        QVERIFY(!m_source->getAutoTriggeringMode());
+        QVERIFY(log.contains("!!! Arducam is ON !!!"));
+        QVERIFY(!log.contains("!!! The second atempt to open Arducam !!!"));
+        QCOMPARE(m_board->count(Kind::Open), 1);
+    }
+
+    void boardAbsentAtBothAttempts_leavesNoSource()
+    {
+        m_board->setBoards(0);
+        const LogCapture log;
+        m_source = std::make_unique<Ar0134FrameDelivery>();
+        QVERIFY(FrameDelivery::m_pInstance == nullptr);
+        QVERIFY(!m_source->isRunning());
+        QVERIFY(log.contains("!!! The second atempt to open Arducam !!!"));
+        QVERIFY(!log.contains("!!! Arducam is ON !!!"));
+    }
+
+    void closedSource_startsNothingAndAnswers()
+    {
+        m_board->setBoards(0);
+        m_source = std::make_unique<Ar0134FrameDelivery>();
+        const LogCapture log;
+        QVERIFY(!m_source->start());
+        QVERIFY(log.contains("Arducam is closed"));
+        m_source->stop();
+        m_source->setAutoTriggeringMode(true);
+        m_source->triggerAndWaitForFrame(true);
+        m_source->setCurrentGain(1.0F);
+        m_source->setCurrentExposure(1.0);
+        m_source->setCameraReverse(true, true);
+        QVERIFY(!m_source->getAutoTriggeringMode());
+        QCOMPARE(m_source->getIntensity(), -1.0 / 1228800.0);
+    }
+
+    void firstOpenFails_theSecondSucceeds()
+    {
+        m_board->refuseOpens(1, 0xFF01);
+        const LogCapture log;
+        open();
+        QVERIFY(FrameDelivery::m_pInstance != nullptr);
+        QCOMPARE(m_board->count(Kind::Open), 2);
+        QVERIFY(log.contains("!!! The second atempt to open Arducam !!!"));
+        QVERIFY(log.contains("!!! Arducam is ON !!!"));
+    }
+
+    void oldFirmware_isClosedAfterBothAttempts()
+    {
+        m_board->setModeCode(65393);
+        m_source = std::make_unique<Ar0134FrameDelivery>();
+        QVERIFY(FrameDelivery::m_pInstance == nullptr);
+        QCOMPARE(m_board->count(Kind::Open), 2);
+        QCOMPARE(m_board->count(Kind::Close), 2);
+    }
+
+    void goneSource_isNoInstanceAndGivesTheBoardBack()
+    {
+        open();
+        m_source.reset();
+        QVERIFY(FrameDelivery::m_pInstance == nullptr);
+        QCOMPARE(m_board->count(Kind::Close), 1);
+    }
+
+    void exposure_isInMilliseconds()
+    {
+        open();
+        m_source->setCurrentExposure(20.0);
+        QCOMPARE(int(m_board->reg(0x3012)), 815);
+        QCOMPARE(m_source->getCurrentExposure(), 19.999F);
+        m_source->setCurrentExposure(0.0245); // 24.5 us and a half, truncated: 25 us
+        QCOMPARE(int(m_board->reg(0x3012)), 1);
+        m_source->setCurrentExposure(-5.0);
+        QCOMPARE(int(m_board->reg(0x3012)), 0);
+    }
+
+    void gain_isPassedOnInDecibel()
+    {
+        open();
+        m_source->setCurrentGain(3.0F);
+        QCOMPARE(int(m_board->reg(0x305E)), 32);
+        QCOMPARE(int(m_board->reg(0x30B0)), 0x10);
+        QVERIFY(std::abs(m_source->getCurrentGain() - 10.0 * std::log10(2.0)) < 1e-9);
+    }
+
+    void signalsForGainAndExposure_reachTheDriver()
+    {
+        open();
+        emit m_source->sig_setGain(3.0);
+        emit m_source->sig_setExposure(2454U);
+        QTRY_COMPARE(int(m_board->reg(0x3012)), 100);
+        QCOMPARE(int(m_board->reg(0x305E)), 32);
+    }
+
+    void reverse_isPassedOn()
+    {
+        open();
+        m_source->setCameraReverse(true, false);
+        QCOMPARE(int(m_board->reg(0x3040)), 0x4000);
+        m_source->setCameraReverse(false, true);
+        QCOMPARE(int(m_board->reg(0x3040)), 0x8000);
+    }
+
+    void intensityWithoutAFrame_isAVerySmallNegativeNumber()
+    {
+        open();
+        QCOMPARE(m_source->getIntensity(), -1.0 / 1228800.0);
+    }
+
+    void intensity_isTheSumOf962RowsOverTheAreaOf960()
+    {
+        open();
+        m_source->triggerAndWaitForFrame(true);
+        QCOMPARE(m_source->getIntensity(), 100.0 * 962.0 / 960.0);
+    }
+
+    void framesBeforeTheFirst_areFalse()
+    {
+        open();
+        cv::Mat mat;
+        QVERIFY(!m_source->pushMatImage(mat));
+        QVERIFY(mat.empty());
+        QImage image(1280, 960, QImage::Format_Indexed8);
+        QVERIFY(!m_source->pushQImage(image));
+    }
+
+    void oneShotTrigger_hasTheFrameWhenItReturns()
+    {
+        open();
+        m_board->setDelay(std::chrono::milliseconds(100));
+        m_source->triggerAndWaitForFrame(true);
+        cv::Mat mat;
+        QVERIFY(m_source->pushMatImage(mat));
+        QCOMPARE(cv::countNonZero(mat == 100), 1280 * 960);
+        QImage image(1280, 960, QImage::Format_Indexed8);
+        QVERIFY(m_source->pushQImage(image));
+        QCOMPARE(int(image.constScanLine(959)[1279]), 100);
+        QCOMPARE(m_board->count(Kind::Trigger), 1);
+    }
+
+    void inheritedTriggerSignal_triggersNothing()
+    {
+        open();
+        FrameDelivery* base = m_source.get();
+        emit base->FrameDelivery::sig_ExecuteSoftwareTrigger();
+        QTest::qWait(50);
+        QCOMPARE(m_board->count(Kind::Trigger), 0);
+        emit m_source->sig_ExecuteSoftwareTrigger();
+        QCOMPARE(m_board->count(Kind::Trigger), 1);
+    }
+
+    void start_runsTheLiveLoop()
+    {
+        open();
+        QVERIFY(m_source->start());
+        QTRY_VERIFY(m_source->getAutoTriggeringMode());
+        QTRY_VERIFY(m_board->count(Kind::Trigger) > 5);
+    }
+
+    void startTwice_staysInLiveModeWithOneLoop()
+    {
+        open();
+        QVERIFY(m_source->start());
+        QTRY_VERIFY(m_source->getAutoTriggeringMode());
+        QVERIFY(m_source->start());
+        QVERIFY(m_source->getAutoTriggeringMode());
+        QTRY_VERIFY(m_board->count(Kind::Trigger) > 5);
+    }
+
+    void stop_endsTheLoop()
+    {
+        open();
+        startLive();
+        m_source->stop();
+        verifyStanding();
+    }
+
+    void startStopStart_isLiveAgain()
+    {
+        open();
+        startLive();
+        m_source->stop();
+        verifyStanding();
+        const int before = m_board->count(Kind::Trigger);
+        QVERIFY(m_source->start());
+        QTRY_VERIFY(m_board->count(Kind::Trigger) > before + 5);
+        QVERIFY(m_source->getAutoTriggeringMode());
+    }
+
+    void startRightAfterStop_isLive()
+    {
+        open();
+        startLive();
+        m_source->stop();
+        QVERIFY(m_source->start());
+        // What was asked for first has been taken on when a call behind it has.
+        emit m_source->sig_setExposure(2454U);
+        QTRY_COMPARE(int(m_board->reg(0x3012)), 100);
+        QVERIFY(m_source->getAutoTriggeringMode());
+    }
+
+    void stopRightAfterStart_stands()
+    {
+        open();
+        QVERIFY(m_source->start());
+        m_source->stop();
+        emit m_source->sig_setExposure(2454U);
+        QTRY_COMPARE(int(m_board->reg(0x3012)), 100);
+        verifyStanding();
+    }
+
+    void liveModeSwitchedOffAndOnDuringAFrame_isOneLoop()
+    {
+        open();
+        m_board->setDelay(std::chrono::milliseconds(100));
+        QVERIFY(m_source->start());
+        QTRY_COMPARE(m_board->count(Kind::Trigger), 1);
+        for (int i = 0; i < 5; ++i) {
+            m_source->setAutoTriggeringMode(false);
+            m_source->setAutoTriggeringMode(true);
+        }
+        QTRY_VERIFY(m_board->count(Kind::Trigger) > 2);
+        // One loop ends with its first failed trigger; a second one would go on.
+        m_board->script({ { Shot::Refused, 0xFF26, {} } });
+        verifyStanding();
+    }
+
+    void oneShotTriggerInLiveMode_doesNothing()
+    {
+        open();
+        m_board->setDelay(std::chrono::milliseconds(100));
+        startLive();
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i < 100; ++i) {
+            m_source->triggerAndWaitForFrame(true);
+        }
+        QVERIFY(timer.elapsed() < 100);
+    }
+
+    void failedTrigger_endsTheLiveLoopAndStaysInItsState_data()
+    {
+        QTest::addColumn<int>("what");
+        QTest::newRow("trigger failed") << int(Shot::Refused);
+        QTest::newRow("frame lost") << int(Shot::Lost);
+    }
+    void failedTrigger_endsTheLiveLoopAndStaysInItsState()
+    {
+        QFETCH(int, what);
+        open();
+        startLive();
+        const int before = m_board->count(Kind::Trigger);
+        m_board->script({ { Shot::Good, 0, {} }, { static_cast<Shot::What>(what), 0xFF26, {} } });
+        QTRY_VERIFY(m_board->count(Kind::Trigger) >= before + 2);
+        verifyStanding();
+        QVERIFY(m_source->getAutoTriggeringMode());
+        // Live mode off and on again brings the loop back.
+        m_source->stop();
+        QTRY_VERIFY(!m_source->getAutoTriggeringMode());
+        startLive();
+    }
+
+    void frameThatCannotBeFetched_doesNotEndTheLiveLoop()
+    {
+        open();
+        startLive();
+        m_board->script({ { Shot::Broken, 65318, {} }, { Shot::Broken, 65316, {} } });
+        const int before = m_board->count(Kind::Trigger);
+        QTRY_VERIFY(m_board->count(Kind::Trigger) > before + 10);
+    }
+
+    void fps_isPublishedAboutOnceASecond()
+    {
+        open();
+        QSignalSpy rates(m_source.get(), &FrameDelivery::sig_FpsUpdate);
+        m_board->setDelay(std::chrono::milliseconds(50));
+        const int before = AR0134::totalFrames();
+        QElapsedTimer timer;
+        timer.start();
+        startLive();
+        QTest::qWait(4500);
+        m_source->stop();
+        const double measured
+            = (AR0134::totalFrames() - before) * 1000.0 / static_cast<double>(timer.elapsed());
+        QVERIFY2(rates.count() >= 3 && rates.count() <= 5, qPrintable(QString::number(rates.count())));
+        const double published = rates.last().first().toDouble();
+        QVERIFY2(std::abs(published - measured) < 0.35 * measured,
+            qPrintable(QString("%1 published, %2 measured").arg(published).arg(measured)));
+    }
+
+    void destruction_inTheMiddleOfAFrameEndsTheThread()
+    {
+        open();
+        m_board->setDelay(std::chrono::milliseconds(200));
+        QVERIFY(m_source->start());
+        QTRY_COMPARE(m_board->count(Kind::Trigger), 1);
+        const LogCapture log;
+        m_source.reset();
+        QVERIFY(log.contains("virtual Ar0134FrameDelivery::~Ar0134FrameDelivery()"));
+        QVERIFY(m_board->requests().back().kind == Kind::Close);
+    }
+
+    void waitForNextFrame_returnsWithAFrameOfTheLoop()
+    {
+        open();
+        m_board->setDelay(std::chrono::milliseconds(20));
+        startLive();
+        QElapsedTimer timer;
+        timer.start();
+        m_source->triggerAndWaitForFrame(false);
+        QVERIFY(timer.elapsed() < 2500);
+    }
+
+private:
+    void open()
+    {
+        m_source = std::make_unique<Ar0134FrameDelivery>();
+        QVERIFY(m_source->isRunning());
+    }
+
+    void startLive()
+    {
+        const int before = m_board->count(Kind::Trigger);
+        QVERIFY(m_source->start());
+        QTRY_VERIFY(m_board->count(Kind::Trigger) > before + 1);
+    }
+
+    // No trigger comes any more, for ten times as long as a frame takes here.
+    void verifyStanding()
+    {
+        int before = -1;
+        QTRY_VERIFY_WITH_TIMEOUT(hasSettled(before), 10000);
+        QTest::qWait(500);
+        QCOMPARE(m_board->count(Kind::Trigger), before);
+    }
+
+    bool hasSettled(int& triggers) const
+    {
+        const int before = triggers;
+        triggers = m_board->count(Kind::Trigger);
+        QTest::qWait(150);
+        return before == triggers;
+    }
+
+    std::unique_ptr<ScriptedBoard> m_board;
+    std::unique_ptr<Ar0134Bench> m_bench;
+    std::unique_ptr<Ar0134FrameDelivery> m_source;
+};
+
+QTEST_GUILESS_MAIN(tst_ar0134_framedelivery)
+#include "tst_ar0134_framedelivery.moc"

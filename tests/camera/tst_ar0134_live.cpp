@@ -1,0 +1,61 @@
+#include "camera/ar0134.h"
+#include "camera/ar0134_framedelivery.h"
+#include "tests/camera/Ar0134Bench.h"
+#include "tests/platform/ScriptedBoard.h"
+
+#include <QtTest>
+
+#include <algorithm>
+
+using qr9::wire::Kind;
+
+// A long run of the live loop, with everybody who touches a frame at the same time.
+class tst_ar0134_live : public QObject {
+    Q_OBJECT
+
+private slots:
+    void thousandFrames_loseNoWakeUp()
+    {
+        constexpr int FRAMES = 1000;
+        ScriptedBoard board;
+        const Ar0134Bench bench;
+        // Each picture is of one grey value, so that a frame that was copied while it changed shows.
+        board.setPicture(
+            [](int frame) { return ScriptedBoard::Bytes(1280U * 964U, static_cast<std::uint8_t>(frame)); });
+        board.setDelay(std::chrono::milliseconds(1));
+        Ar0134FrameDelivery source;
+        QVERIFY(source.isRunning());
+        QVERIFY(source.start());
+        QTRY_VERIFY(source.getAutoTriggeringMode());
+
+        cv::Mat mat(960, 1280, CV_8UC1);
+        QImage image(1280, 960, QImage::Format_Indexed8);
+        const int first = AR0134::totalFrames();
+        qint64 longest = 0;
+        int copied = 0;
+        while (AR0134::totalFrames() - first < FRAMES) {
+            QElapsedTimer timer;
+            timer.start();
+            source.waitForNextFrameReady();
+            longest = std::max(longest, timer.elapsed());
+            QCoreApplication::processEvents();
+            if (source.pushMatImage(mat)) {
+                ++copied;
+                QCOMPARE(cv::countNonZero(mat != mat.at<uchar>(0, 0)), 0);
+                QVERIFY(source.pushQImage(image));
+                QCOMPARE(image.constScanLine(0)[0], image.constScanLine(959)[1279]);
+            }
+            source.setCurrentGain(copied % 2 == 0 ? 3.0F : 6.0F);
+        }
+        // A waiter that missed its frame stands until the limit of 3 s.
+        QVERIFY2(longest < 2500, qPrintable(QString::number(longest)));
+        QVERIFY(copied > 0);
+        source.stop();
+        QTRY_VERIFY(!source.getAutoTriggeringMode());
+        // Every trigger has brought its frame: this source is the process's only one.
+        QTRY_COMPARE(AR0134::totalFrames(), board.count(Kind::Trigger));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_ar0134_live)
+#include "tst_ar0134_live.moc"
