@@ -19,7 +19,7 @@ constexpr int kNormalScale = 4096;
 static_assert(static_cast<std::int64_t>(kDeviationScale) * kNormalScale / 65536 == kMeanScale);
 
 constexpr std::size_t kTableSize = std::size_t { 1 } << 18;
-constexpr int kBrightest = 511; // grey values that a mean can hold; noise does not bring one back below 255
+constexpr int kLevels = 512; // of a mean, 0 to 511; from the highest, noise does not lead back below 255
 constexpr std::uint64_t kTableKey = 0x4015E;
 constexpr std::uint64_t kFrameKey = 0xF4A3E;
 
@@ -34,16 +34,16 @@ std::int16_t drawNormal(Random& random)
             sum += static_cast<std::int64_t>((bits >> (16 * part)) & 0xFFFFU);
         }
     }
-    const std::int64_t middle = 6 * 65535;
+    constexpr std::int64_t kMiddle = std::int64_t { 6 } * 65535;
     return static_cast<std::int16_t>(
-        std::clamp<std::int64_t>((sum - middle) * kNormalScale / 65536, -32767, 32767));
+        std::clamp<std::int64_t>((sum - kMiddle) * kNormalScale / 65536, -32767, 32767));
 }
 
 /// Standard deviation x kDeviationScale for every whole grey value of mean.
-std::array<std::int16_t, kBrightest + 1> deviations(const UnitConstants& unit, double gain)
+std::array<std::int16_t, kLevels> deviations(const UnitConstants& unit, double gain)
 {
-    std::array<std::int16_t, kBrightest + 1> table {};
-    for (int grey = 0; grey <= kBrightest; ++grey) {
+    std::array<std::int16_t, kLevels> table {};
+    for (int grey = 0; grey < kLevels; ++grey) {
         const double read = unit.readNoise * gain;
         const double shot = unit.shotNoise * gain * std::max(grey - unit.blackLevel, 0.0);
         const double deviation = std::sqrt(read * read + shot) * kDeviationScale;
@@ -69,12 +69,12 @@ void SensorNoise::expose(const cv::Mat& scene, double greyOfFullLight, const Lig
 {
     exposed.mean.create(kFrameHeight, kFrameWidth, CV_16SC1);
     exposed.deviation.create(kFrameHeight, kFrameWidth, CV_16SC1);
-    const std::array<std::int16_t, kBrightest + 1> deviationOf = deviations(m_unit, gain);
+    const std::array<std::int16_t, kLevels> deviationOf = deviations(m_unit, gain);
 
     // The fall of light is a sum of a part that goes by column and one that goes by row.
     const auto scale = static_cast<float>(std::min(greyOfFullLight, 1e6) * kMeanScale / kLightOne);
     const auto black = static_cast<float>(m_unit.blackLevel * kMeanScale + 0.5);
-    constexpr float kMost = kBrightest * kMeanScale;
+    constexpr float kMost = (kLevels - 1) * kMeanScale;
     constexpr double kHalfWidth = kFrameWidth / 2.0;
     constexpr double kHalfHeight = kFrameHeight / 2.0;
     constexpr double kHalfDiagonalSquared = kHalfWidth * kHalfWidth + kHalfHeight * kHalfHeight;

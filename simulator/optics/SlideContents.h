@@ -19,10 +19,10 @@ struct SlideContents {
 /// stained cells are at hand. Positions in mm along the slide from the tray's mark.
 struct SlideZone {
     Slide slide;
+    bool stained;
     double fromMm;
     double toMm;
     double cellsPerFrame;
-    bool stained;
 };
 
 // The stained shares overlap by chance, as two stains of one sample do.
@@ -36,14 +36,14 @@ constexpr SlideContents kSlideContents[] = {
     { Slide::PrismaMax, 250.0, 400.0, 8.0, 15.0, 0.50, 0.55 },
 };
 
-// The places are those of the fields with the slide's start position calibrated to the mark; a field is 0.9
-// mm long.
+// The places are those of the fields with the slide's start position calibrated to the mark. A frame is 1.2
+// mm long, and the fields are 0.9 mm apart.
 constexpr SlideZone kSlideZones[] = {
-    { Slide::OneChannel, -38.5, -32.0, 40.0, true }, // the last fields of the long chamber
-    { Slide::TwoChannel, -33.4, -32.2, 45.0, true }, // field A4
-    { Slide::TwoChannel, -28.9, -27.7, 600.0, true }, // field A9
-    { Slide::ThreeChannel, 1.0, 12.3, 200.0, false }, // the third chamber, unstained
-    { Slide::EightChannel, 13.0, 18.2, 40.0, false }, // the eighth chamber, unstained
+    { Slide::OneChannel, true, -38.5, -32.0, 40.0 }, // the last fields of the long chamber
+    { Slide::TwoChannel, true, -33.4, -32.2, 45.0 }, // field A4
+    { Slide::TwoChannel, true, -28.9, -27.7, 600.0 }, // field A9
+    { Slide::ThreeChannel, false, 1.0, 12.3, 200.0 }, // the third chamber, unstained
+    { Slide::EightChannel, false, 13.0, 18.2, 40.0 }, // the eighth chamber, unstained
 };
 
 } // namespace qr9::optics

@@ -132,7 +132,7 @@ private slots:
             << 1 << 0 << -3220 << QByteArray("35a86ddd4720b9b41d959553bb416e3b59dac05b");
         QTest::newRow("GFP") << 1 << 1 << 0 << QByteArray("a76faca3a4eb7d88332bef0f94a1e1c259fcd4b4");
         QTest::newRow("RFP") << 3 << 2 << 115 << QByteArray("6200251d73312fe45667a2ea539c71c677e1904c");
-        QTest::newRow("target") << 7 << 0 << 0 << QByteArray("7c4fffcf85dc9fa162dad77a65e2b90fd69af915");
+        QTest::newRow("target") << 7 << 0 << 0 << QByteArray("a3e80fdd3177b4f056cc935b49a56f990c60bd45");
     }
 
     void knownSeed_givesKnownBytes()
