@@ -54,7 +54,7 @@ public:
         const int end = std::clamp(width - m_column.whole, first, width + 1);
         const bool hasUpper = isInside(origin.whole);
         const bool hasLower = isInside(origin.whole + 1);
-        if (hasUpper || hasLower) {
+        if ((hasUpper || hasLower) && first < end) {
             const int upper = hasUpper ? origin.whole : origin.whole + 1;
             const int lower = hasLower ? origin.whole + 1 : origin.whole;
             overlay_kernels::blendRows(m_picture.ptr(upper) + m_column.whole + first,
