@@ -31,7 +31,7 @@ char* toString(const Colour& colour)
 
 Colour colourAt(const cv::Mat& overlay, int x, int y)
 {
-    const auto pixel = overlay.at<cv::Vec3b>(y, x);
+    const auto& pixel = overlay.at<cv::Vec3b>(y, x);
     return { pixel[0], pixel[1], pixel[2] };
 }
 
