@@ -1,6 +1,7 @@
 // The file types that the image library of Qt writes: JPEG, PNG and BMP. None of them is read.
 #include "storage/ImReaderWriter.h"
 
+#include <QFile>
 #include <QImage>
 #include <QString>
 #include <QVector>
@@ -50,7 +51,9 @@ bool ImReaderWriter::saveRaster(const std::string& path, const char* format) con
     if (pixelFormat == QImage::Format_Indexed8) {
         image.setColorTable(greyTable());
     }
-    return image.save(QString::fromStdString(path), format);
+    // Through a file of our own: what is still buffered when a stick runs full must be found out too.
+    QFile file(QString::fromStdString(path));
+    return file.open(QIODevice::WriteOnly) && image.save(&file, format) && file.flush();
 }
 
 int ImReaderWriter::_read_jpeg(std::string& /*path*/)

@@ -108,7 +108,9 @@ bool ImReaderWriter::_write_tiff(std::string& path, std::string& description)
     if (file == nullptr) {
         return false;
     }
-    bool good = TIFFSetField(file, TIFFTAG_IMAGEWIDTH, m_width) == 1
+    // An unknown compression would be taken, and the strip left out without an error.
+    bool good = TIFFIsCODECConfigured(m_compression) == 1
+        && TIFFSetField(file, TIFFTAG_IMAGEWIDTH, m_width) == 1
         && TIFFSetField(file, TIFFTAG_IMAGELENGTH, m_height) == 1
         && TIFFSetField(file, TIFFTAG_BITSPERSAMPLE, m_bits_per_sample) == 1
         && TIFFSetField(file, TIFFTAG_SAMPLESPERPIXEL, m_samples_per_pixel) == 1
