@@ -7,7 +7,6 @@
 #include <QDialog>
 #include <QEvent>
 #include <QTest>
-#include <QTimer>
 
 namespace {
 
@@ -46,9 +45,9 @@ void MessageBoxWatcher::closeNext()
     m_answers.enqueue([](QDialog& dialog) { dialog.close(); });
 }
 
-void MessageBoxWatcher::handleNext(Handler handler)
+void MessageBoxWatcher::handleNext(const Handler& handler)
 {
-    m_answers.enqueue(std::move(handler));
+    m_answers.enqueue(handler);
 }
 
 QStringList MessageBoxWatcher::texts() const
@@ -71,7 +70,7 @@ bool MessageBoxWatcher::eventFilter(QObject* watched, QEvent* event)
         if (dialog != nullptr && dialog->isModal()) {
             m_boxes.append(describe(*dialog));
             // Not from within the showing: the dialog's own event loop starts after it.
-            QTimer::singleShot(0, dialog, [this, dialog] { answer(dialog); });
+            patience::later(0, dialog, [this, dialog] { answer(dialog); });
         }
     }
     return QObject::eventFilter(watched, event);
@@ -83,7 +82,7 @@ void MessageBoxWatcher::answer(QDialog* dialog)
         return;
     // Like a user, who reaches the innermost dialog alone.
     if (QApplication::activeModalWidget() != dialog) {
-        QTimer::singleShot(RETRY_MS, dialog, [this, dialog] { answer(dialog); });
+        patience::later(RETRY_MS, dialog, [this, dialog] { answer(dialog); });
         return;
     }
     if (m_look)

@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include <functional>
+#include <utility>
 
 class QDialog;
 
@@ -34,7 +35,7 @@ public:
     // Answers of the next dialogs, in the order in which these calls are made.
     void answerNext(QMessageBox::StandardButton button);
     void closeNext(); // as by the window's own close button
-    void handleNext(Handler handler); // the handler looks and closes
+    void handleNext(const Handler& handler); // the handler looks and closes
 
     // Called for each dialog while it is open, before its answer.
     void lookAtEach(Handler look) { m_look = std::move(look); }

@@ -1,6 +1,9 @@
 #include "tests/support/patience.h"
 
 #include <QTest>
+#include <QTimer>
+
+#include <utility>
 
 namespace {
 
@@ -22,4 +25,15 @@ int patience::limit(int ms)
 bool patience::waitFor(const std::function<bool()>& evidence, int ms)
 {
     return QTest::qWaitFor(evidence, limit(ms));
+}
+
+void patience::later(int ms, QObject* context, std::function<void()> action)
+{
+    auto* timer = new QTimer(context);
+    timer->setSingleShot(true);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, action = std::move(action)] {
+        timer->deleteLater();
+        action();
+    });
+    timer->start(ms);
 }

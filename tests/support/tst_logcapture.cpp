@@ -1,9 +1,10 @@
 #include "tests/support/LogCapture.h"
+#include "tests/support/patience.h"
 
+#include <QApplication>
 #include <QDebug>
 #include <QTest>
 #include <QThread>
-#include <QTimer>
 
 #include <memory>
 
@@ -28,7 +29,7 @@ private slots:
     void lineOfALaterMoment_isWaitedFor()
     {
         const LogCapture log;
-        QTimer::singleShot(20, [] { qDebug("it came"); });
+        patience::later(20, qApp, [] { qDebug("it came"); });
         QVERIFY(log.waitForLine("it came"));
     }
 

@@ -1,11 +1,11 @@
 #include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/patience.h"
 
 #include <QAbstractButton>
 #include <QDialog>
 #include <QFileDialog>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
 
 // The watcher answers what a technician would have to answer.
 class tst_MessageBoxWatcher : public QObject {
@@ -64,8 +64,8 @@ private slots:
         watcher.lookAtEach([&closed](QDialog& dialog) { closed.append(dialog.windowTitle()); });
         QMessageBox outer(QMessageBox::Warning, "outer", "text", QMessageBox::Ok);
         // Opens on top of the outer one before that can be answered.
-        QTimer::singleShot(0, &outer, [] { QMessageBox::information(nullptr, "inner", "text"); });
-        QTimer::singleShot(0, &outer, [] { QMessageBox::information(nullptr, "innermost", "text"); });
+        patience::later(0, &outer, [] { QMessageBox::information(nullptr, "inner", "text"); });
+        patience::later(0, &outer, [] { QMessageBox::information(nullptr, "innermost", "text"); });
         outer.exec();
         QCOMPARE(watcher.boxes().size(), 3);
         QCOMPARE(closed.last(), QString("outer"));

@@ -9,11 +9,16 @@
 // A live view of 540 by 405 pixels with a running source that holds one frame of picture::frame().
 struct LiveView {
     LiveView()
+        : view(make())
     {
-        BaslerFrameDelivery::attached = true;
-        view = std::make_unique<CameraView>();
         view->resize(540, 405);
         source().frame = picture::frame(1280, 960);
+    }
+
+    static std::unique_ptr<CameraView> make()
+    {
+        BaslerFrameDelivery::attached = true;
+        return std::make_unique<CameraView>();
     }
 
     static FrameDelivery& source() { return *FrameDelivery::m_pInstance; }

@@ -14,7 +14,9 @@ public:
         : m_width(width)
         , m_height(height)
         , m_channels(channels)
-        , m_bytes(static_cast<std::size_t>(width * height * channels), BRIGHT)
+        , m_bytes(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)
+                  * static_cast<std::size_t>(channels),
+              BRIGHT)
     {
     }
 
@@ -25,9 +27,11 @@ public:
             for (int x = std::max(left, 0); x < std::min(left + side, m_width); ++x)
                 for (int c = 0; c < m_channels; ++c)
                     if (channel < 0 || channel == c)
-                        m_bytes[static_cast<std::size_t>((y * m_width + x) * m_channels + c)] = grey;
+                        m_bytes[index(x, y, c)] = grey;
         return *this;
     }
+
+    unsigned char at(int x, int y, int channel) const { return m_bytes[index(x, y, channel)]; }
 
     unsigned char* data() { return m_bytes.data(); }
     int width() const { return m_width; }
@@ -35,6 +39,13 @@ public:
     int bits() const { return 8 * m_channels; }
 
 private:
+    std::size_t index(int x, int y, int channel) const
+    {
+        const auto pixel
+            = static_cast<std::size_t>(y) * static_cast<std::size_t>(m_width) + static_cast<std::size_t>(x);
+        return pixel * static_cast<std::size_t>(m_channels) + static_cast<std::size_t>(channel);
+    }
+
     int m_width;
     int m_height;
     int m_channels;

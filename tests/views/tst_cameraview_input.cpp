@@ -284,12 +284,12 @@ private:
     template <typename Code> static QImage paintedWith(LiveView& live, Code code)
     {
         std::vector<unsigned char> coded;
-        coded.reserve(1280 * 960);
+        coded.reserve(FrameDelivery::BYTES);
         for (int y = 0; y < 960; ++y)
             for (int x = 0; x < 1280; ++x)
                 coded.push_back(static_cast<unsigned char>(code(x, y)));
         std::swap(LiveView::source().frame, coded);
-        const QImage image = picture::of(*live.view);
+        QImage image = picture::of(*live.view);
         std::swap(LiveView::source().frame, coded);
         return image;
     }
@@ -305,7 +305,7 @@ private:
     static int zoomOf(LiveView& live)
     {
         const QImage image = paintedWith(live, [](int x, int) { return x % 2 * 255; });
-        int width = 0;
+        int width = 1;
         int x = 200;
         while (image.pixel(x, 200) == image.pixel(x - 1, 200))
             ++x;

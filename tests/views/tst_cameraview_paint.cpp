@@ -74,7 +74,7 @@ private slots:
     void fitMode_showsNoOverview()
     {
         const LiveView live;
-        LiveView::source().frame.assign(1280 * 960, 0);
+        LiveView::source().frame.assign(FrameDelivery::BYTES, 0);
         QImage black(540, 405, QImage::Format_RGB32);
         black.fill(Qt::black);
         QCOMPARE(picture::difference(picture::of(*live.view), black), QString());
@@ -146,7 +146,7 @@ private slots:
     void crossLine_isDrawnOverTheFittedFrame()
     {
         const LiveView live;
-        LiveView::source().frame.assign(1280 * 960, 90);
+        LiveView::source().frame.assign(FrameDelivery::BYTES, 90);
         live.view->setCrossLine(true);
         QImage expected(540, 405, QImage::Format_RGB32);
         expected.fill(picture::grey(90));
@@ -222,8 +222,9 @@ private slots:
         const LiveView live;
         live.view->setFitMode(false);
         // Row 100 is clear of the overview and shows 256 grey values from the left on.
+        constexpr std::size_t ROW = 100;
         for (std::size_t v = 0; v < 256; ++v)
-            LiveView::source().frame[100 * 1280 + v] = static_cast<unsigned char>(v);
+            LiveView::source().frame[ROW * 1280 + v] = static_cast<unsigned char>(v);
         live.view->setPseudoColorTable(index);
         QCOMPARE(live.view->pseudoColorTable(), index);
         const QImage image = picture::of(*live.view);
@@ -236,7 +237,7 @@ private slots:
         BaslerFrameDelivery::attached = true;
         CameraView view(nullptr, 2);
         view.resize(540, 405);
-        FrameDelivery::m_pInstance->frame.assign(1280 * 960, 77);
+        FrameDelivery::m_pInstance->frame.assign(FrameDelivery::BYTES, 77);
         QCOMPARE(view.pseudoColorTable(), 2);
         QCOMPARE(picture::of(view).pixel(300, 200), qRgb(0, 77, 0));
     }

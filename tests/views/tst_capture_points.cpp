@@ -35,14 +35,13 @@ QImage pictureWith(const QImage& grey, const QVector<QPair<QPoint, const char*>>
     return image;
 }
 
-QImage greyImage(TargetFrame& frame)
+QImage greyImage(const TargetFrame& frame)
 {
     QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
-    const int channels = frame.bits() / 8;
+    const int green = frame.bits() == 24 ? 1 : 0;
     for (int y = 0; y < frame.height(); ++y)
         for (int x = 0; x < frame.width(); ++x)
-            image.setPixel(x, y,
-                picture::grey(frame.data()[(y * frame.width() + x) * channels + (channels == 3 ? 1 : 0)]));
+            image.setPixel(x, y, picture::grey(frame.at(x, y, green)));
     return image;
 }
 

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QObject>
 
+#include <cstddef>
 #include <cstring>
 #include <vector>
 
@@ -11,6 +12,7 @@ class FrameDelivery : public QObject {
 public:
     static constexpr int kFrameWidth = 1280;
     static constexpr int kFrameHeight = 960;
+    static constexpr std::size_t BYTES = std::size_t(kFrameWidth) * kFrameHeight;
 
     inline static FrameDelivery* m_pInstance = nullptr;
 
