@@ -10,6 +10,13 @@ namespace {
 std::atomic<bool> theCounting { false };
 std::atomic<int> theLargeAllocations { 0 };
 
+} // namespace
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define QR9_COUNTS_ALLOCATIONS
+
+namespace {
+
 // A line of the widget is 2160 bytes; nothing that is made for a frame anew is smaller than some of them.
 constexpr std::size_t LARGE = 16384;
 
@@ -20,9 +27,6 @@ void count(std::size_t bytes)
 }
 
 } // namespace
-
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#define QR9_COUNTS_ALLOCATIONS
 
 // The C library's own allocator under the names that everyone calls, with a count. A sanitizer has taken the
 // place.
