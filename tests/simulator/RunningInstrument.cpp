@@ -12,8 +12,7 @@
 RunningInstrument::RunningInstrument(const QStringList& options)
 {
     m_process.setProcessChannelMode(QProcess::SeparateChannels);
-    m_process.start(
-        QR9_VIRTUAL_INSTRUMENT, QStringList { "--rig", m_folder.path(), "--until-eof" } + options);
+    m_process.start(program(), QStringList { "--rig", m_folder.path(), "--until-eof" } + options);
     QElapsedTimer waited;
     waited.start();
     while (!m_process.canReadLine() && m_process.state() != QProcess::NotRunning
@@ -36,6 +35,11 @@ RunningInstrument::~RunningInstrument()
         m_process.kill();
         m_process.waitForFinished();
     }
+}
+
+QString RunningInstrument::program()
+{
+    return QR9_VIRTUAL_INSTRUMENT;
 }
 
 QStringList RunningInstrument::ports() const

@@ -17,6 +17,9 @@ public:
     explicit RunningInstrument(const QStringList& options = { "--seed", "2", "--quick" });
     ~RunningInstrument();
 
+    // Path of the program.
+    static QString program();
+
     bool isReady() const { return !m_ready.isEmpty(); }
     QStringList ports() const;
     QString boardPort() const { return m_ready.value("board").toString(); }

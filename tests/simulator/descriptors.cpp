@@ -16,6 +16,13 @@
 
 namespace {
 
+// Without the signal that kills a process whose reader has gone.
+ssize_t writeQuietly(int fd, const char* data, int count)
+{
+    const ssize_t sent = ::send(fd, data, static_cast<size_t>(count), MSG_NOSIGNAL);
+    return sent < 0 && errno == ENOTSOCK ? ::write(fd, data, static_cast<size_t>(count)) : sent;
+}
+
 QByteArray readSome(int fd, int most, int ms)
 {
     pollfd waiting { fd, POLLIN, 0 };
@@ -53,8 +60,7 @@ bool writeAll(int fd, const QByteArray& bytes)
 {
     int written = 0;
     while (written < bytes.size()) {
-        const ssize_t count
-            = ::write(fd, bytes.constData() + written, static_cast<size_t>(bytes.size() - written));
+        const ssize_t count = writeQuietly(fd, bytes.constData() + written, bytes.size() - written);
         if (count <= 0) {
             return false;
         }

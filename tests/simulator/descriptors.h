@@ -5,7 +5,7 @@
 
 // Plain file descriptors: what the program has on its side of a port or a socket.
 
-constexpr int kPatienceMs = 10000;
+constexpr int kPatienceMs = 30000; // only a failing test waits so long
 
 // A connected Unix socket, or -1.
 int connectedSocket(const QString& path);

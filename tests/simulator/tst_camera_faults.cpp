@@ -1,5 +1,6 @@
 #include "tests/simulator/RunningInstrument.h"
 #include "tests/simulator/WireClient.h"
+#include "tests/simulator/descriptors.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -90,7 +91,8 @@ private slots:
         QVERIFY(m_instrument->fault("loseFrame"));
         QCOMPARE(m_client->code(Kind::Trigger), 0);
         m_instrument->advance(2);
-        QTRY_VERIFY(!m_instrument->state("camera").toObject().value("exposing").toBool());
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !m_instrument->state("camera").toObject().value("exposing").toBool(), kPatienceMs);
         QVERIFY(m_client->isQuiet());
         QCOMPARE(m_client->code(Kind::Trigger), 0);
         m_instrument->advance(2);
