@@ -257,6 +257,9 @@ public:
 
     /// Starts a run around `lineEdit_REFERENCE_AUTOFOCUS`: coarse and fine, or fine alone.
     void pushButton_AUTOFOCUS_clicked(bool coarse);
+    /// The same without a message box; runs the event loop until the run has ended. The flag that keeps the
+    /// box away stays set: the calibration that called clears it.
+    void focusSilently(bool coarse);
     void prepareAutoFocusing_Step1();
     void prepareAutoFocusing_Step2();
     void prepareAutoFocusing_Step3();
@@ -281,7 +284,10 @@ public:
 private:
     // Connection and shutdown
 
-    void runConnectionSequence();
+    /// Stage, light and camera behind a finished port search. False, after a message box, without a stage.
+    bool bringUpUnit();
+    /// The mirrors of the AR0134 are the technician's; those of the Basler camera are fixed.
+    void showMirrorBoxes();
 
     // Replies of the board
 

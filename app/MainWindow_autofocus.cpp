@@ -4,6 +4,7 @@
 #include "ui_MainWindow.h"
 
 #include <QDebug>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QTimer>
@@ -47,6 +48,16 @@ void MainWindow::pushButton_AUTOFOCUS_clicked(bool coarse)
         prepareAutoFocusing_Step1();
     else
         prepareAutoFocusing_Step2();
+}
+
+void MainWindow::focusSilently(bool coarse)
+{
+    m_autofocusSilent = 1;
+    // A loop of its own for each wait: a signal of another wait does not end it.
+    QEventLoop loop;
+    connect(this, &MainWindow::sig_finish_Autofocusing, &loop, &QEventLoop::quit);
+    pushButton_AUTOFOCUS_clicked(coarse);
+    loop.exec();
 }
 
 void MainWindow::prepareAutoFocusing_Step1()

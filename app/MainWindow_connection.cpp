@@ -34,48 +34,52 @@ void MainWindow::on_pushButton_CONNECT_clicked()
     if (m_bConnecting)
         return;
     m_bConnecting = true;
-    runConnectionSequence();
-    m_bConnecting = false;
-}
-
-void MainWindow::runConnectionSequence()
-{
     ui->pushButton_CONNECT->setText("~~~");
     ui->pushButton_CONNECT->setStyleSheet(styles::kBusy);
     setCursor(Qt::WaitCursor);
 
     QEventLoop loop;
-    connect(this, SIGNAL(sig_finish_find_Controller()), &loop, SLOT(quit()));
+    connect(this, &MainWindow::sig_finish_find_Controller, &loop, &QEventLoop::quit);
     connect_Controller();
     loop.exec();
     qDebug() << Q_FUNC_INFO << "m_bConnected_Controller:" << text(m_bConnected_Controller);
 
-    const char* style = styles::kNeutral;
-    if (!m_bConnected_Controller) {
-        showError(this, "Fail CONTROLLER connect !");
-    } else if (!initialize_Controller()) {
-        showError(this, "Fail CONTROLLER initialize !");
-    } else {
-        check_CameraConnection();
-        style = styles::kConnected;
-    }
+    const bool bSuccess = bringUpUnit();
     ui->pushButton_CONNECT->setText("Connect");
-    ui->pushButton_CONNECT->setStyleSheet(style);
-
-    if (style == styles::kConnected) {
-        qDebug() << "m_CAM_type:" << m_CAM_type;
-        if (m_CAM_type == CAMERA_BASLER) {
-            ui->checkBox_HOR_MIRROR->setChecked(false);
-            ui->checkBox_VER_MIRROR->setChecked(false);
-            ui->checkBox_HOR_MIRROR->hide();
-            ui->checkBox_VER_MIRROR->hide();
-        } else if (m_CAM_type == CAMERA_AR0134) {
-            ui->checkBox_HOR_MIRROR->show();
-            ui->checkBox_VER_MIRROR->show();
-        }
-    }
+    ui->pushButton_CONNECT->setStyleSheet(bSuccess ? styles::kConnected : styles::kNeutral);
+    if (bSuccess)
+        showMirrorBoxes();
     setCursor(Qt::ArrowCursor);
     ui->pushButton_EXIT->setVisible(true);
+    m_bConnecting = false;
+}
+
+bool MainWindow::bringUpUnit()
+{
+    if (!m_bConnected_Controller) {
+        showError(this, "Fail CONTROLLER connect !");
+        return false;
+    }
+    if (!initialize_Controller()) {
+        showError(this, "Fail CONTROLLER initialize !");
+        return false;
+    }
+    check_CameraConnection();
+    return true;
+}
+
+void MainWindow::showMirrorBoxes()
+{
+    qDebug() << "m_CAM_type:" << m_CAM_type;
+    if (m_CAM_type == CAMERA_BASLER) {
+        ui->checkBox_HOR_MIRROR->setChecked(false);
+        ui->checkBox_VER_MIRROR->setChecked(false);
+        ui->checkBox_HOR_MIRROR->hide();
+        ui->checkBox_VER_MIRROR->hide();
+    } else if (m_CAM_type == CAMERA_AR0134) {
+        ui->checkBox_HOR_MIRROR->show();
+        ui->checkBox_VER_MIRROR->show();
+    }
 }
 
 void MainWindow::connect_Controller()

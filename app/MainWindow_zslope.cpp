@@ -5,7 +5,6 @@
 #include "ui_MainWindow.h"
 
 #include <QDebug>
-#include <QEventLoop>
 #include <QMessageBox>
 
 #include <cstdio>
@@ -85,11 +84,7 @@ void MainWindow::focusAt(int positionX)
 {
     m_strCommand = "$X#STAGE ABS " + QString::number(positionX) + "\n";
     m_pController->direct_read(m_strCommand);
-    m_autofocusSilent = 1;
-    QEventLoop loop;
-    connect(this, &MainWindow::sig_finish_Autofocusing, &loop, &QEventLoop::quit);
-    pushButton_AUTOFOCUS_clicked(true);
-    loop.exec();
+    focusSilently(true);
 }
 
 void MainWindow::recordZSlope(int bestPosition)

@@ -1,0 +1,77 @@
+#include "tests/workflows/Desk.h"
+
+#include "camera/framedelivery.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTabWidget>
+
+namespace {
+
+const QString kSettingsFile = "/root/TAVO_QR9/TAVO_QR9.ini";
+
+} // namespace
+
+Desk::Desk()
+{
+    if (!rig.connectToRig())
+        qFatal("no virtual instrument: this test runs in a room");
+    rig.clearFaults();
+}
+
+Desk::~Desk()
+{
+    close();
+    rig.clearFaults();
+}
+
+void Desk::putSettings(const QByteArray& text)
+{
+    removeSettings();
+    QFile file(kSettingsFile);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        qFatal("cannot write the settings file");
+}
+
+void Desk::removeSettings()
+{
+    QFile::remove(kSettingsFile);
+}
+
+QByteArray Desk::settings()
+{
+    QFile file(kSettingsFile);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void Desk::open()
+{
+    m_window.reset(new MainWindow);
+    m_window->show();
+}
+
+bool Desk::waitForConnection()
+{
+    // The exit button comes back at the very end of the first sequence.
+    return patience::waitFor([this] { return isShown("pushButton_EXIT"); }, 20000);
+}
+
+bool Desk::connectUnit()
+{
+    open();
+    return waitForConnection() && isEnabled("tabWidget_CONTROLLER") && boxes.boxes().isEmpty();
+}
+
+void Desk::close()
+{
+    // As the exit button does: a frame under way lands before its window goes.
+    if (m_window && FrameDelivery::m_pInstance != nullptr)
+        FrameDelivery::m_pInstance->stop();
+    m_window.reset();
+}
+
+QStringList linesOfConnection()
+{
+    return { "$A#VER", "$X#STAGE ORIGIN", "$Z#STAGE ORIGIN", "$A#FILTER ORIGIN", "$Z#STAGE STEP 115",
+        "$Z#STAGE SPEED 100", "$X#STAGE EJECT", "$Z#STAGE ABS 32000", "$A#LED BRT1 7 6", "$A#FILTER GO 1" };
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "app/MainWindow.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/RigClient.h"
+#include "tests/support/hand.h"
+#include "tests/support/patience.h"
+
+#include <pylon/PylonIncludes.h>
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QtTest>
+
+#include <memory>
+
+/// The technician's desk in a room: the real window in front of the virtual instrument, with the settings
+/// file as the test wants it. One desk a test; GUI thread.
+class Desk {
+public:
+    Desk();
+    ~Desk();
+
+    /// Replaces the instrument's settings file, before the window is opened. Null: no file.
+    static void putSettings(const QByteArray& text);
+    static void removeSettings();
+    /// The file as it stands now; empty when it is missing.
+    static QByteArray settings();
+
+    /// Opens the window; the connection begins by itself half a second later.
+    void open();
+    /// Runs the event loop until the connection sequence is over.
+    bool waitForConnection();
+    /// Both, with evidence that the camera runs and the tabs are open.
+    bool connectUnit();
+    /// Ends the window as `main` does.
+    void close();
+
+    MainWindow& window() { return *m_window; }
+
+    template <typename T = QWidget> T* widget(const char* name) { return hand::find<T>(*m_window, name); }
+    QString text(const char* name)
+    {
+        return m_window->findChild<QWidget*>(name)->property("text").toString();
+    }
+    QString style(const char* name) { return m_window->findChild<QWidget*>(name)->styleSheet(); }
+    bool isEnabled(const char* name) { return m_window->findChild<QWidget*>(name)->isEnabled(); }
+    bool isShown(const char* name)
+    {
+        return m_window->findChild<QWidget*>(name)->isVisibleTo(m_window.get());
+    }
+
+    RigClient rig;
+    LogCapture log;
+    MessageBoxWatcher boxes;
+
+private:
+    std::unique_ptr<MainWindow> m_window;
+};
+
+/// What the board is sent while a unit comes up with the settings that a missing file gives.
+QStringList linesOfConnection();
+
+/// `main` of a workflow test: the camera library lives longer than the application, as in the program.
+#define WORKFLOW_MAIN(TestClass)                                                                             \
+    int main(int argc, char** argv)                                                                          \
+    {                                                                                                        \
+        Pylon::PylonInitialize();                                                                            \
+        int result = 0;                                                                                      \
+        {                                                                                                    \
+            QApplication application(argc, argv);                                                            \
+            TestClass test;                                                                                  \
+            result = QTest::qExec(&test, argc, argv);                                                        \
+        }                                                                                                    \
+        Pylon::PylonTerminate(true);                                                                         \
+        return result;                                                                                       \
+    }
