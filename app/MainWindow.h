@@ -1,15 +1,21 @@
 #pragma once
 
 #include "algorithms/alg_autoFocus.h"
+#include "algorithms/alg_pixelShift.h"
 #include "app/autofocus_steps.h"
 #include "app/illumination_channels.h"
 #include "app/protocol_info.h"
+#include "app/shift_values.h"
 #include "app/slide_geometry.h"
 #include "app/z_slope_cal.h"
 #include "views/measure_info.h"
 
+#include <opencv2/core.hpp>
+
 #include <QMainWindow>
 #include <QString>
+
+#include <array>
 
 class Controller;
 class QLineEdit;
@@ -43,6 +49,8 @@ signals:
     void sig_finish_X_Stage_Move();
     /// The still frame of the QC page has been taken.
     void sig_finish_QC_ImageGrabbed();
+    /// A frame of the pixel shift run has been stored.
+    void sig_finish_pixelshift_ImageGrabbed();
     /// An autofocus run has ended, its message box (if any) has not yet come up.
     void sig_finish_Autofocusing();
 
@@ -158,6 +166,30 @@ public slots:
     /// Focuses at two fields 39 mm apart, derives the height of every slide type and stores all of it.
     void on_pushButton_REFERENCE_Z_SLOPE_clicked();
 
+    // Pixel shift calibration: MainWindow_pixelshift.cpp
+
+    /// Walks twelve fields and measures the shifts; pressed again, goes back to the live picture.
+    void on_pushButton_PIXEL_SHIFT_clicked();
+    /// Stores a frame. Connected to `sig_ImageGrabbed` only during a run; the size is always the camera's.
+    void slot_ImageGrabbed_pixelshift(uchar* pixels, int width, int height);
+
+    // Pixel shift panel: MainWindow_shiftpanel.cpp
+
+    /// Stores the four values on show.
+    void on_pushButton_PIXEL_SHIFT_SET_clicked();
+    /// Zeroes the four values, on show and in the file.
+    void on_pushButton_PIXEL_SHIFT_RESET_clicked();
+    /// Choose the channel that the arrows work on.
+    void on_pushButton_SHIFT_GFP_clicked();
+    void on_pushButton_SHIFT_RFP_clicked();
+    /// One pixel each.
+    void on_pushButton_SHIFT_X_MINUS_clicked();
+    void on_pushButton_SHIFT_X_PLUS_clicked();
+    void on_pushButton_SHIFT_Y_MINUS_clicked();
+    void on_pushButton_SHIFT_Y_PLUS_clicked();
+    /// Shows the overlay of a field, from 1 to 12.
+    void on_spinBox_PIXEL_SHIFT_valueChanged(int field);
+
     // QC measurement: MainWindow_qc.cpp
 
     /// Takes a still frame after one exposure and 250 ms and shows it in place of the live picture.
@@ -271,6 +303,12 @@ public:
     /// Makes the last fine step down. The flag has no effect.
     void endAutoFocusing(bool);
 
+    // Channel overlay: MainWindow_overlay.cpp
+
+    /// The picture by which a shift is judged, of a field from 1 to 12: 960 by 1280 pixels, red, green, blue.
+    /// `shifted` moves the channels by the values on show. Fields without frames give a picture, too.
+    cv::Mat make_overlayImage(int field, bool shifted);
+
     // Version panel: MainWindow_version.cpp
 
     /// Shows the builds of this tool and of the instrument's main application. Blocks for at most 30 s.
@@ -338,6 +376,25 @@ private:
     /// The best position of a run that belongs to the slope calibration.
     void recordZSlope(int bestPosition);
     static void storeZSlope(const z_slope_cal_info& cal);
+
+    // Pixel shift calibration
+
+    void runPixelShift();
+    void leavePixelShift();
+    void enableShiftArrows(bool enabled);
+    /// The three frames of the field under the objective; each returns when its frame is stored.
+    void takeShiftFrames(int zOffset);
+    void takeShiftFrame();
+    /// Moves Z by the offset, in fine steps, to the focus of fluorescence (+1) or back (-1). Direct.
+    void moveZForFluorescence(const char* logText, int zOffset, int sign);
+    void goToNextShiftField();
+    ShiftValues measureFieldShift(int field);
+    void showAverageShift(const FieldShifts& shifts);
+    /// The four line edits: GFP X, GFP Y, RFP X, RFP Y.
+    std::array<QLineEdit*, 4> shiftFields() const;
+    void storeShifts();
+    void adjustShift(QLineEdit* field, float change);
+    void showOverlay(int field);
 
     // QC measurement
 
@@ -409,6 +466,16 @@ private:
 
     z_slope_cal_info m_z_slope_cal;
     int m_z_slope_stage = Z_SLOPE_NONE;
+
+    bool m_bPixelShiftRun = false; ///< flips at every click; true also while the overlay is on view
+    alg_pixelShift m_pixelShift;
+    std::array<cv::Mat, kShiftFields> m_matBF; ///< frames of the last run, by field
+    std::array<cv::Mat, kShiftFields> m_matGFP;
+    std::array<cv::Mat, kShiftFields> m_matRFP;
+    int m_shiftChannel = ILLUMINATION_BF; ///< array that the next frame goes to
+    int m_shiftAdjust = 0; ///< channel of the arrows: 0 GFP, 1 RFP
+    int m_shiftField = 0;
+    ShiftValues m_shiftAverage = {};
 
     measure_info m_measure_info;
 

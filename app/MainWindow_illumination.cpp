@@ -83,6 +83,9 @@ void MainWindow::set_illumination_GAIN(double gain)
 
 void MainWindow::set_illumination_EXPOSURE(double exposure)
 {
+    // A pixel shift run wants its fluorescence frames unsaturated.
+    if (m_illumination_type != ILLUMINATION_BF && m_bPixelShiftRun)
+        exposure /= 2.0;
     if (FrameDelivery::m_pInstance != nullptr)
         FrameDelivery::m_pInstance->setCurrentExposure(exposure);
 }
