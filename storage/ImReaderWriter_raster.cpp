@@ -1,6 +1,8 @@
 // The file types that the image library of Qt writes: JPEG, PNG and BMP. None of them is read.
 #include "storage/ImReaderWriter.h"
 
+#include <QBuffer>
+#include <QByteArray>
 #include <QFile>
 #include <QImage>
 #include <QString>
@@ -45,15 +47,20 @@ bool ImReaderWriter::saveRaster(const std::string& path, const char* format) con
     if (pixelFormat == QImage::Format_Invalid || isWide() || !m_data8 || stride * m_height > m_sample_count) {
         return false;
     }
-    // The rows of the buffer have no padding, which an image of its own would have at odd widths.
-    QImage image(m_data8.get(), static_cast<int>(m_width), static_cast<int>(m_height),
-        static_cast<int>(stride), pixelFormat);
+    // The rows of the buffer have no padding, but the writers take whole words of each row: hence the stride,
+    // and a copy that has its rows padded.
+    QImage image = QImage(m_data8.get(), static_cast<int>(m_width), static_cast<int>(m_height),
+        static_cast<int>(stride), pixelFormat)
+                       .copy();
     if (pixelFormat == QImage::Format_Indexed8) {
         image.setColorTable(greyTable());
     }
-    // Through a file of our own: what is still buffered when a stick runs full must be found out too.
+    // Encoded in memory, because the encoders do not always tell of a stick that runs full.
+    QByteArray bytes;
+    QBuffer encoded(&bytes);
     QFile file(QString::fromStdString(path));
-    return file.open(QIODevice::WriteOnly) && image.save(&file, format) && file.flush();
+    return encoded.open(QIODevice::WriteOnly) && image.save(&encoded, format)
+        && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
 }
 
 int ImReaderWriter::_read_jpeg(std::string& /*path*/)
