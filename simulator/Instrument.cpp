@@ -25,7 +25,7 @@ QString Instrument::open(const QString& folder, int silentPorts)
 
 QString Instrument::armFault(const QJsonObject& fault)
 {
-    const QString error = m_faults.arm(fault);
+    QString error = m_faults.arm(fault);
     m_camera.checkFaults();
     return error;
 }

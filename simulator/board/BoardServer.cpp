@@ -35,7 +35,7 @@ QString BoardServer::open(int silentPorts)
 {
     for (int port = 0; port <= silentPorts; ++port) {
         auto pPty = std::make_unique<PtyPort>();
-        const QString error = pPty->open();
+        QString error = pPty->open();
         if (!error.isEmpty()) {
             return error;
         }

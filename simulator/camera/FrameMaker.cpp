@@ -1,6 +1,6 @@
 #include "simulator/camera/FrameMaker.h"
 
-#include <QMetaObject>
+#include <QMetaType>
 
 namespace qr9::sim {
 
@@ -8,6 +8,13 @@ FrameMaker::FrameMaker(const optics::UnitConstants& constants, QObject* parent)
     : QObject(parent)
     , m_renderer(constants)
 {
+    qRegisterMetaType<optics::OpticalState>("qr9::optics::OpticalState");
+    qRegisterMetaType<CaptureSettings>("qr9::sim::CaptureSettings");
+    qRegisterMetaType<Picture>("qr9::sim::Picture");
+    connect(this, &FrameMaker::sig_wanted, &m_worker,
+        [this](quint64 number, const optics::OpticalState& view, const CaptureSettings& settings) {
+            render(number, view, settings);
+        });
     m_worker.moveToThread(&m_thread);
     m_thread.setObjectName("frames");
     m_thread.start();
@@ -19,17 +26,19 @@ FrameMaker::~FrameMaker()
     m_thread.wait();
 }
 
-void FrameMaker::make(quint64 number, optics::OpticalState view, const CaptureSettings& settings)
+void FrameMaker::make(quint64 number, const optics::OpticalState& view, const CaptureSettings& settings)
+{
+    emit sig_wanted(number, view, settings);
+}
+
+void FrameMaker::render(quint64 number, optics::OpticalState view, const CaptureSettings& settings)
 {
     view.exposureMs = static_cast<double>(settings.exposure.count()) / 1000.0;
     view.gainDb = settings.gainDb;
     view.mirrorX = settings.mirrorX;
     view.mirrorY = settings.mirrorY;
-    QMetaObject::invokeMethod(&m_worker, [this, number, view, settings] {
-        m_renderer.render(view, number, m_sensor);
-        const Picture picture = develop(m_sensor, settings);
-        QMetaObject::invokeMethod(this, [this, number, picture] { emit sig_made(number, picture); });
-    });
+    m_renderer.render(view, number, m_sensor);
+    emit sig_made(number, develop(m_sensor, settings));
 }
 
 } // namespace qr9::sim

@@ -21,12 +21,19 @@ public:
 
     /// Begins to make frame `number` of the world as `view` shows it; returns at once. Frames are made in the
     /// order of the calls. The number also chooses the noise.
-    void make(quint64 number, optics::OpticalState view, const CaptureSettings& settings);
+    void make(quint64 number, const optics::OpticalState& view, const CaptureSettings& settings);
 
 signals:
+    /// Emitted on the worker's thread.
     void sig_made(quint64 number, const qr9::sim::Picture& picture);
 
+    /// From make() to the worker.
+    void sig_wanted(
+        quint64 number, const qr9::optics::OpticalState& view, const qr9::sim::CaptureSettings& settings);
+
 private:
+    void render(quint64 number, optics::OpticalState view, const CaptureSettings& settings);
+
     QThread m_thread;
     QObject m_worker; ///< lives on m_thread
     optics::Renderer m_renderer;

@@ -15,8 +15,7 @@ Shutter::Shutter(World& world, const optics::UnitConstants& constants, QObject* 
 void Shutter::open(const CaptureSettings& settings, Time late)
 {
     ++m_number;
-    m_exposure.emplace();
-    m_exposure->settings = settings;
+    m_exposure = Exposure { settings, 0, 0, false, std::nullopt };
     Clock& clock = m_world.clock();
     m_exposure->middle = clock.callAfter(
         settings.exposure / 2, [this] { m_maker.make(m_number, m_world.view(), m_exposure->settings); });

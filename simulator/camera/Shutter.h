@@ -38,9 +38,9 @@ signals:
 private:
     struct Exposure {
         CaptureSettings settings;
-        Clock::Ticket middle = 0;
-        Clock::Ticket end = 0;
-        bool bOver = false; ///< exposure and readout are over
+        Clock::Ticket middle;
+        Clock::Ticket end;
+        bool bOver; ///< exposure and readout are over
         std::optional<Picture> picture;
     };
 

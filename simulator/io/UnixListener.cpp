@@ -81,7 +81,7 @@ QString UnixListener::listen(const QString& path)
     }
     if (::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0
         || ::listen(fd, 8) != 0) {
-        const QString why = failure(name.constData());
+        QString why = failure(name.constData());
         ::close(fd);
         return why;
     }

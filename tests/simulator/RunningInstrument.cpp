@@ -45,7 +45,7 @@ QString RunningInstrument::program()
 QStringList RunningInstrument::ports() const
 {
     QStringList names;
-    for (const QJsonValue& port : m_ready.value("ports").toArray()) {
+    for (const auto& port : m_ready.value("ports").toArray()) {
         names << port.toString();
     }
     return names;
@@ -84,7 +84,7 @@ QStringList RunningInstrument::transcript()
 {
     QStringList lines;
     const QJsonArray entries = ask({ { "cmd", "transcript" }, { "from", 0 } }).value("lines").toArray();
-    for (const QJsonValue& entry : entries) {
+    for (const auto& entry : entries) {
         lines << entry.toObject().value("dir").toString() + ' ' + entry.toObject().value("text").toString();
     }
     return lines;
