@@ -1,5 +1,9 @@
 """The program in the room: its output as a log file, and its end."""
 
+import contextlib
+import json
+import os
+import signal
 import subprocess
 import threading
 from pathlib import Path
@@ -21,17 +25,23 @@ class Program:
         self._log_file = Path(log_file)
         self._echo = echo
         self._on_failed_check = on_failed_check
+        self._log = open(self._log_file, "ab", buffering=0)
+        told, tell = os.pipe()
         # bubblewrap itself is told to die with its parent, together with everything in the room.
         self._process = subprocess.Popen(
-            words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT
+            [*words[:1], "--info-fd", str(tell), *words[1:]], pass_fds=[tell],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
         )
+        os.close(tell)
+        self._first_process = _first_process(told)
+        os.close(told)
         self._pump = threading.Thread(target=self._copy_output, daemon=True)
         self._pump.start()
 
     def _copy_output(self):
-        with open(self._log_file, "ab", buffering=0) as log:
-            for line in self._process.stdout:
-                log.write(line)
+        with self._log, self._process.stdout as output:
+            for line in output:
+                self._log.write(line)
                 if line.startswith(CHECK_FAILED):
                     self._on_failed_check()
                 if self._echo:
@@ -63,8 +73,18 @@ class Program:
 
     def stop(self):
         """Ends the program and everything that it started."""
-        if self.exit_code() is None:
-            self._process.kill()
-        self._process.wait()
+        if self.exit_code() is None and self._first_process:
+            # With its first process a room loses all others. bubblewrap outside then ends by itself; killed
+            # in place of it, it could leave a room behind that was still being built.
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(self._first_process, signal.SIGKILL)
+        children.stop(self._process)
         self._pump.join(5)
-        self._process.stdout.close()
+
+
+def _first_process(descriptor):
+    """What bubblewrap tells about the room: the process number of its first process. None when it failed."""
+    text = b""
+    while piece := os.read(descriptor, 4096):
+        text += piece
+    return json.loads(text)["child-pid"] if text else None

@@ -108,15 +108,19 @@ class Screen:
 
     # Windows.
 
-    def windows(self, title):
+    def windows(self, title=".*"):
         """Identifiers of the visible windows with exactly this title."""
-        found = self._ask("search", "--onlyvisible", "--name", f"^{title}$")
-        return [int(line) for line in found.split()]
+        for _ in range(20):
+            found = self._xdotool(["search", "--onlyvisible", "--name", f"^{title}$"])
+            # A window that closes while the search looks at it breaks the search off.
+            if not found.stderr:
+                return [int(line) for line in found.stdout.split()]
+        raise RoomError(f"cannot list the windows: {found.stderr.strip()}")
 
     def geometry(self, window):
         """x, y, width and height of a window on the screen; None when it is gone."""
-        answer = self._ask("getwindowgeometry", "--shell", window)
-        values = dict(line.split("=", 1) for line in answer.splitlines() if "=" in line)
+        answer = self._xdotool(["getwindowgeometry", "--shell", window])
+        values = dict(line.split("=", 1) for line in answer.stdout.splitlines() if "=" in line)
         if "WIDTH" not in values:
             return None
         return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
@@ -127,18 +131,12 @@ class Screen:
 
     def wait_no_window(self, window, limit=10):
         """Waits until the window of this identifier is no longer visible."""
-        wait_for("a window to close", lambda: str(window) not in self._visible(), limit)
-
-    def _visible(self):
-        return self._ask("search", "--onlyvisible", "--name", ".*").split()
+        wait_for("a window to close", lambda: window not in self.windows(), limit)
 
     def _hand(self, *words):
         done = self._xdotool(words)
         if done.returncode != 0:
             raise RoomError(f"xdotool {' '.join(map(str, words))}: {done.stderr.strip()}")
-
-    def _ask(self, *words):
-        return self._xdotool(words).stdout
 
     def _xdotool(self, words):
         environment = {**os.environ, "DISPLAY": self.name}

@@ -24,6 +24,12 @@ class Technician:
         """Clicks into the middle of a widget of the form, whose page must be open."""
         self._screen.click(*self.form.place(widget).centre)
 
+    def wait_shown(self, widget, limit):
+        """Waits until a widget that had been hidden is seen: its place is no longer of one colour."""
+        self._room.wait_for(
+            f'"{widget}" to be shown', lambda: self.picture_of(widget).mean_and_deviation()[1] > 0, limit
+        )
+
     def open_page(self, page):
         """Opens a page of the tab widget by its tab."""
         self._screen.click(*self.form.tab(page).centre)

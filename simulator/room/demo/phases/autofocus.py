@@ -2,6 +2,8 @@
 
 import re
 
+from .live_view import VIEW
+
 TITLE = "Autofocus"
 LIMIT = 180  # seconds
 FINE_STEP = 115  # motor steps
@@ -15,10 +17,12 @@ def run(day):
     day.hand.acknowledge("Info", 10)
 
     state = day.room.instrument.ask("state")
-    true = day.room.instrument.ask("focus", x=state["x"])["bf"]
+    true = day.room.instrument.ask("bestFocus", x=state["x"])["bf"]
     results = re.findall(r"\[2\] m_AutofocusingRef:\D*\d+ +(\d+)", day.room.program.log())
     found = int(results[-1]) if results else None
     day.table.near("focus found", true, found, FINE_STEP, "steps")
     if found is not None:
         day.table.near("stage left below it", found - FINE_STEP, state["z"], 0, "steps")
+    _, deviation = day.hand.picture_of(VIEW).mean_and_deviation()
+    day.table.within("texture of the live view", deviation, 10, 100, "grey values")
     day.screenshot("in-focus")

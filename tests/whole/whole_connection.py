@@ -1,0 +1,64 @@
+"""The program comes up, connects by itself, and leaves."""
+
+import tempfile
+from pathlib import Path
+
+from whole_case import BRING_UP, CONNECTED, PATIENCE, WAY_OUT, WholeCase, main, read_ini
+
+
+class Connection(WholeCase):
+    def test_boardOnSecondPort_isFoundAndBroughtUp(self):
+        with self.program_in_room(silent_ports=1) as (room, hand):
+            hand.wait_window(PATIENCE)
+            room.wait_log(CONNECTED, PATIENCE)
+            self.assertEqual(room.board_lines(), BRING_UP)
+            silent = [line.split(" ", 3)[2:] for line in room.board_log() if line.split(" ")[1] == "0"]
+            self.assertEqual(silent, [[">", "$A#VER"]])
+
+    def test_exitButton_switchesOffHomesXAndEndsWell(self):
+        with self.program_in_room() as (room, hand):
+            room.wait_log(CONNECTED, PATIENCE)
+            self.leave(room, hand)
+            self.assertEqual(room.board_lines(), BRING_UP + WAY_OUT)
+            self.assertIn("!!!!!!!!!!!!!!!!!!!!!!RESTART", room.program.log())
+            self.assertNotIn("systemctl restart rc-local.service", room.stub_calls())
+
+    def test_resetProgram_isCalledOnceBeforeTheWindow(self):
+        with self.program_in_room() as (room, hand):
+            hand.wait_window(PATIENCE)
+            self.assertEqual([call.split()[0] for call in room.stub_calls()][:1], ["Reset_BaslerCamera"])
+            room.wait_log(CONNECTED, PATIENCE)
+            self.assertEqual(sum(call.startswith("Reset_BaslerCamera") for call in room.stub_calls()), 1)
+
+    def test_missingSettingsFile_holdsAfterwardsOnlyWhatTheConnectionWrites(self):
+        with self.program_in_room() as (room, _):
+            room.wait_log(CONNECTED, PATIENCE)
+            firmware = room.instrument.ask("truth")["truth"]["firmware"]
+            groups = read_ini(room.home / "TAVO_QR9.ini")
+            groups = {name: keys for name, keys in groups.items() if keys}
+            self.assertEqual(
+                groups, {"Calibration": {"Prisma offset": "0"}, "Software": {"Version FW": firmware}}
+            )
+
+    def test_settingsFile_givesReferenceAndLight(self):
+        settings = "[Calibration]\nZ ref 2ch=30123\n[Ch. BF]\nLED1=21\nLED2=22\n"
+        with tempfile.TemporaryDirectory() as folder:
+            ini = Path(folder) / "unit.ini"
+            ini.write_text(settings)
+            with self.program_in_room(ini=ini) as (room, _):
+                room.wait_log(CONNECTED, PATIENCE)
+                lines = room.board_lines()
+        self.assertIn("$Z#STAGE ABS 30123", lines)
+        self.assertIn("$A#LED BRT1 21 22", lines)
+
+    def test_connectButton_runsTheWholeSequenceAgain(self):
+        with self.program_in_room() as (room, hand):
+            behind = room.wait_log(CONNECTED, PATIENCE)
+            hand.click("pushButton_CONNECT")
+            room.wait_log(CONNECTED, PATIENCE, begin=behind)
+            self.assertEqual(room.board_lines(), BRING_UP + BRING_UP)
+            self.leave(room, hand)
+
+
+if __name__ == "__main__":
+    main()
