@@ -1,76 +1,46 @@
-// The intensity measurement of a frame of cells: the plain library calls, and what the product does instead.
+// The intensity measurement of a frame of cells, as a press of its button makes it.
 
+#include "bench/comparison.h"
 #include "camera/intensity.h"
 #include "tests/camera/cell_pictures.h"
 #include "tests/camera/literal_intensity.h"
 
-#include <opencv2/core.hpp>
-
 #include <benchmark/benchmark.h>
+
+#include <string>
 
 namespace {
 
-constexpr int kOffset = 15;
+constexpr int kOffset = 15; // grey values
 
-cv::Mat pictureFor(const benchmark::State& state)
+void measureLiterally(const cv::Mat& picture)
 {
-    cv::setNumThreads(1);
-    return pictures::squares(static_cast<int>(state.range(0)), 18, 180, 30);
+    benchmark::DoNotOptimize(literal::intensityPerObject(picture, kOffset));
+    benchmark::DoNotOptimize(literal::intensityBackground(picture, kOffset));
 }
 
-void objectLiteral(benchmark::State& state)
+void measureBuilt(const cv::Mat& picture)
 {
-    const cv::Mat picture = pictureFor(state);
-    for ([[maybe_unused]] const auto _ : state)
-        benchmark::DoNotOptimize(literal::intensityPerObject(picture, kOffset));
-}
-
-void objectBuilt(benchmark::State& state)
-{
-    const cv::Mat picture = pictureFor(state);
-    for ([[maybe_unused]] const auto _ : state)
-        benchmark::DoNotOptimize(intensity::perObject(picture, intensity::findObjects(picture, kOffset)));
-}
-
-void backgroundLiteral(benchmark::State& state)
-{
-    const cv::Mat picture = pictureFor(state);
-    for ([[maybe_unused]] const auto _ : state)
-        benchmark::DoNotOptimize(literal::intensityBackground(picture, kOffset));
-}
-
-void backgroundBuilt(benchmark::State& state)
-{
-    const cv::Mat picture = pictureFor(state);
-    for ([[maybe_unused]] const auto _ : state)
-        benchmark::DoNotOptimize(intensity::background(picture, intensity::findObjects(picture, kOffset)));
-}
-
-/// Everything that a press of the button measures.
-void wholeLiteral(benchmark::State& state)
-{
-    const cv::Mat picture = pictureFor(state);
-    for ([[maybe_unused]] const auto _ : state) {
-        benchmark::DoNotOptimize(literal::intensityPerObject(picture, kOffset));
-        benchmark::DoNotOptimize(literal::intensityBackground(picture, kOffset));
-    }
-}
-
-void wholeBuilt(benchmark::State& state)
-{
-    const cv::Mat picture = pictureFor(state);
-    for ([[maybe_unused]] const auto _ : state) {
-        const intensity::Objects objects = intensity::findObjects(picture, kOffset);
-        benchmark::DoNotOptimize(intensity::perObject(picture, objects));
-        benchmark::DoNotOptimize(intensity::background(picture, objects));
-    }
+    const intensity::Objects objects = intensity::findObjects(picture, kOffset);
+    benchmark::DoNotOptimize(intensity::perObject(picture, objects));
+    benchmark::DoNotOptimize(intensity::background(picture, objects));
 }
 
 } // namespace
 
-BENCHMARK(objectLiteral)->Arg(300)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(objectBuilt)->Arg(300)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(backgroundLiteral)->Arg(300)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(backgroundBuilt)->Arg(300)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(wholeLiteral)->Arg(300)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(wholeBuilt)->Arg(300)->Arg(1000)->Unit(benchmark::kMillisecond);
+int main(int argc, char** argv)
+{
+    for (const int count : { 300, 1000 }) {
+        const cv::Mat picture = pictures::squares(count, 18, 180, 30);
+        const std::string objects = ", " + std::to_string(count) + " objects";
+        comparison::add({ "intensity of object" + objects, comparison::Cores::one, 30.0,
+            [picture] { benchmark::DoNotOptimize(literal::intensityPerObject(picture, kOffset)); },
+            [picture] {
+                benchmark::DoNotOptimize(
+                    intensity::perObject(picture, intensity::findObjects(picture, kOffset)));
+            } });
+        comparison::add({ "intensity of object and background" + objects, comparison::Cores::one, 30.0,
+            [picture] { measureLiterally(picture); }, [picture] { measureBuilt(picture); } });
+    }
+    return comparison::run(argc, argv);
+}
