@@ -30,11 +30,17 @@ RunningInstrument::~RunningInstrument()
     if (m_control >= 0) {
         ::close(m_control);
     }
+    if (m_process.state() == QProcess::NotRunning) {
+        return; // the test has seen to its end
+    }
     m_process.closeWriteChannel();
     if (!m_process.waitForFinished(kPatienceMs)) {
         m_process.kill();
         m_process.waitForFinished();
     }
+    // A sanitizer tells its findings by the exit code.
+    QVERIFY2(m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0,
+        m_process.readAllStandardError().constData());
 }
 
 QString RunningInstrument::program()
