@@ -1,0 +1,85 @@
+#include "storage/MediaFolder.h"
+#include "storage/MountTable.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <sys/stat.h>
+
+namespace {
+
+constexpr char folder[] = "/media";
+
+QString asFolderName(QString name)
+{
+    name.replace('/', '_');
+    if (name.count('.') == name.size()) {
+        name.replace('.', '_');
+    }
+    return name;
+}
+
+bool isOnItsOwnFileSystem(const QString& path)
+{
+    struct stat entry { };
+    struct stat media { };
+    return lstat(QFile::encodeName(path).constData(), &entry) != 0 || stat(folder, &media) != 0
+        || entry.st_dev != media.st_dev;
+}
+
+} // namespace
+
+namespace media_folder {
+
+QString path(const QString& name)
+{
+    return QString(folder) + '/' + name;
+}
+
+QStringList names()
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Unsorted);
+}
+
+QString make(const QString& name)
+{
+    const QDir media(folder);
+    const QString wanted = asFolderName(name);
+    QString free = wanted;
+    for (int number = 1; !media.mkdir(free); ++number) {
+        const QFileInfo taken(path(free));
+        if (!taken.exists() && !taken.isSymLink()) {
+            qDebug() << "[Error] : " << path(free) << "cannot be made";
+            return QString();
+        }
+        free = QString("%1 (%2)").arg(wanted, QString::number(number));
+    }
+    return path(free);
+}
+
+void removeEmpty(const QString& path)
+{
+    const QFileInfo entry(path);
+    if (entry.path() == folder && !entry.fileName().isEmpty()) {
+        QDir(folder).rmdir(entry.fileName());
+    }
+}
+
+void removeStale(const QString& name)
+{
+    const QString stale = path(name);
+    const MountTable table;
+    if (!table.isReadable() || table.reachesInto(QFileInfo(folder).canonicalFilePath() + '/' + name)
+        || isOnItsOwnFileSystem(stale)) {
+        return;
+    }
+    if (QFileInfo(stale).isDir() && !QFileInfo(stale).isSymLink()) {
+        QDir(stale).removeRecursively();
+    } else {
+        QFile::remove(stale);
+    }
+}
+
+} // namespace media_folder

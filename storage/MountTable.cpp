@@ -1,0 +1,66 @@
+#include "storage/MountTable.h"
+
+#include <QByteArray>
+#include <QFile>
+
+#include <algorithm>
+
+namespace {
+
+constexpr char tableName[] = "/etc/mtab";
+
+QString decoded(const QByteArray& word)
+{
+    QByteArray text;
+    for (int at = 0; at < word.size(); ++at) {
+        bool isOctal = false;
+        const int code = word[at] == '\\' ? word.mid(at + 1, 3).toInt(&isOctal, 8) : 0;
+        if (isOctal && at + 3 < word.size()) {
+            text.append(static_cast<char>(code));
+            at += 3;
+        } else {
+            text.append(word[at]);
+        }
+    }
+    return QFile::decodeName(text);
+}
+
+} // namespace
+
+MountTable::MountTable()
+{
+    QFile file(tableName);
+    m_readable = file.open(QIODevice::ReadOnly);
+    const QList<QByteArray> lines = m_readable ? file.readAll().split('\n') : QList<QByteArray>();
+    for (const QByteArray& line : lines) {
+        const QList<QByteArray> words = line.split(' ');
+        if (words.size() >= 2) {
+            m_mounts << Mount { decoded(words[0]), decoded(words[1]) };
+        }
+    }
+}
+
+QStringList MountTable::mountPointsOf(const QString& device) const
+{
+    QStringList places;
+    for (const Mount& mount : m_mounts) {
+        if (mount.device == device) {
+            places << mount.mountPoint;
+        }
+    }
+    return places;
+}
+
+bool MountTable::contains(const QString& deviceOrMountPoint) const
+{
+    return std::any_of(m_mounts.begin(), m_mounts.end(), [&](const Mount& mount) {
+        return mount.device == deviceOrMountPoint || mount.mountPoint == deviceOrMountPoint;
+    });
+}
+
+bool MountTable::reachesInto(const QString& folder) const
+{
+    return std::any_of(m_mounts.begin(), m_mounts.end(), [&](const Mount& mount) {
+        return mount.mountPoint == folder || mount.mountPoint.startsWith(folder + '/');
+    });
+}
