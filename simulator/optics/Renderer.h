@@ -19,7 +19,7 @@ namespace qr9::optics {
 /// grey values of an exposure. A frame of an unchanged state costs little more than its noise.
 ///
 /// Plain object without threads or locks; owned by the virtual instrument, which calls it from one thread at
-/// a time. About 20 MB.
+/// a time. About 12 MB.
 class Renderer {
 public:
     /// The unit must have no impossibleConstant().

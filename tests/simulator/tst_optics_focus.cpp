@@ -1,3 +1,5 @@
+#include "simulator/optics/Defocus.h"
+
 #include "tst_optics_samples.h"
 
 #include <QtTest>
@@ -86,51 +88,55 @@ private slots:
         }
     }
 
-    /// The edge of a large dark object is the integral of the blur: the distance between its 16 % and 84 %
-    /// levels is twice the standard deviation.
-    void blur_isAsWideAsTheOpticsMakeIt_data()
+    void blur_growsAsTheOpticsHaveIt_data()
     {
-        QTest::addColumn<int>("distance");
-        QTest::addColumn<double>("low");
-        QTest::addColumn<double>("high");
-        QTest::newRow("115 steps") << 115 << 0.8 << 1.05;
-        QTest::newRow("460 steps") << 460 << 2.2 << 2.7;
-        QTest::newRow("1000 steps") << 1000 << 4.5 << 5.6;
-        QTest::newRow("3220 steps") << 3220 << 14.5 << 18.5;
+        QTest::addColumn<double>("steps");
+        QTest::addColumn<double>("expected");
+        QTest::addColumn<double>("allowed");
+        QTest::newRow("in focus") << 0.0 << 0.7 << 0.001;
+        QTest::newRow("a fine step") << 115.0 << 0.9 << 0.05;
+        QTest::newRow("a coarse step") << 460.0 << 2.4 << 0.1;
+        QTest::newRow("the end of the coarse walk") << 3220.0 << 16.5 << 1.0;
+        QTest::newRow("below focus") << -460.0 << 2.4 << 0.1;
+        QTest::newRow("beyond all detail") << 1e6 << 32.0 << 0.001;
     }
 
-    void blur_isAsWideAsTheOpticsMakeIt()
+    void blur_growsAsTheOpticsHaveIt()
     {
-        QFETCH(int, distance);
-        QFETCH(double, low);
-        QFETCH(double, high);
-        // The second moment of a line across the tray's mark, less that of the mark in focus, is the blur's.
-        const UnitConstants unit = withoutNoise(UnitConstants());
-        OpticalState state = inFocus(unit, Channel::BrightField, 12000);
-        state.slide = Slide::Empty;
-        state.leds.brightField1 = 8;
-        const int focus = state.zSteps;
-        const auto variance = [&](int zSteps) {
-            state.zSteps = zSteps;
-            OpticalState beside = state;
-            beside.xSteps = 25000;
-            beside.zSteps = static_cast<int>(bestFocus(unit, Channel::BrightField, 25000));
-            cv::Mat dark;
-            cv::subtract(frameOf(unit, beside), frameOf(unit, state), dark, cv::noArray(), CV_64F);
-            // By column, over the whole height: the cross as a whole is narrower than its surroundings.
-            cv::Mat column;
-            cv::reduce(dark, column, 0, cv::REDUCE_SUM);
-            double sum = 0.0;
-            double square = 0.0;
-            for (int x = 0; x < column.cols; ++x) {
-                const double value = column.at<double>(0, x);
-                sum += value;
-                square += value * (x - 639.5) * (x - 639.5);
-            }
-            return square / sum;
-        };
-        const double sigma = std::sqrt(variance(focus + distance) - variance(focus) + 0.7 * 0.7);
-        QVERIFY2(sigma > low && sigma < high, qPrintable(QString::number(sigma)));
+        QFETCH(double, steps);
+        QFETCH(double, expected);
+        QFETCH(double, allowed);
+        QVERIFY2(std::abs(blurOf(steps) - expected) <= allowed, qPrintable(QString::number(blurOf(steps))));
+    }
+
+    /// Reduced copies must not widen, narrow or move the blur.
+    void blurredPoint_isARoundGaussianInItsPlace_data()
+    {
+        QTest::addColumn<double>("sigma");
+        for (const double sigma : { 0.7, 0.9, 2.4, 2.99, 3.01, 5.0, 6.01, 10.0, 12.01, 16.1, 32.0 }) {
+            QTest::addRow("%.2f px", sigma) << sigma;
+        }
+    }
+
+    void blurredPoint_isARoundGaussianInItsPlace()
+    {
+        QFETCH(double, sigma);
+        // A block of 8 by 8 pixels has a variance of 63/12 of its own.
+        constexpr double kBlockVariance = 63.0 / 12.0;
+        constexpr int kSize = 512;
+        constexpr int kCorner = 203;
+        cv::Mat scene(kSize, kSize, CV_16UC1, cv::Scalar(0));
+        scene(cv::Rect(kCorner, kCorner + 30, 8, 8)).setTo(60000);
+        cv::Mat blurred;
+        blurScene(scene, sigma, blurred);
+        const cv::Moments moments = cv::moments(blurred);
+        QVERIFY(std::abs(moments.m10 / moments.m00 - (kCorner + 3.5)) < 0.02);
+        QVERIFY(std::abs(moments.m01 / moments.m00 - (kCorner + 30 + 3.5)) < 0.02);
+        const double x = std::sqrt(moments.mu20 / moments.m00 - kBlockVariance);
+        const double y = std::sqrt(moments.mu02 / moments.m00 - kBlockVariance);
+        QVERIFY2(std::abs(x / sigma - 1.0) < 0.03, qPrintable(QString::number(x)));
+        QVERIFY2(std::abs(y / sigma - 1.0) < 0.03, qPrintable(QString::number(y)));
+        QVERIFY(std::abs(cv::sum(blurred)[0] / cv::sum(scene)[0] - 1.0) < 0.01);
     }
 
     void walk_findsTheGridPositionNearestToFocus_data()

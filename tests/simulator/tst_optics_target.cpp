@@ -131,6 +131,25 @@ private slots:
         }
     }
 
+    void dirt_keepsAwayFromTheMarks()
+    {
+        for (std::uint32_t seed = 1; seed <= 4; ++seed) {
+            const UnitConstants unit = withoutNoise(unitFromSeed(seed));
+            const OpticalState state = onTarget(unit, kNominalA1);
+            const cv::Mat frame = frameOf(unit, state);
+            for (const TargetMark& mark : targetMarks(unit, state)) {
+                cv::Mat around(frame.size(), CV_8UC1, cv::Scalar(0));
+                cv::circle(around, mark.centre, 35, 255, cv::FILLED);
+                cv::circle(around, mark.centre, static_cast<int>(mark.radius) + 5, 0, cv::FILLED);
+                double darkest = 0.0;
+                double brightest = 0.0;
+                cv::minMaxLoc(frame, &darkest, &brightest, nullptr, nullptr, around);
+                // Even light but for its slow fall; dirt would be darker by a fifth or more.
+                QVERIFY(darkest > 0.9 * brightest);
+            }
+        }
+    }
+
     void measuredMagnification_isThatOfTheUnit()
     {
         for (std::uint32_t seed = 1; seed <= 20; ++seed) {
