@@ -165,6 +165,9 @@ QString readUnit(const QString& file, Unit& unit)
                 .arg(file, value.key());
         }
     }
+    if (const char* name = optics::impossibleConstant(read.constants)) {
+        return QStringLiteral("%1: \"%2\" is beyond what any unit can have").arg(file, QLatin1String(name));
+    }
     unit = read;
     return {};
 }

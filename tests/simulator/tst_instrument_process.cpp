@@ -110,6 +110,8 @@ private slots:
         QTest::newRow("unknown constant")
             << QByteArray(R"({"magnificaton": 4})") << QByteArray("magnificaton");
         QTest::newRow("wrong type") << QByteArray(R"({"slope": "steep"})") << QByteArray("slope");
+        QTest::newRow("impossible value")
+            << QByteArray(R"({"magnification": 0})") << QByteArray("magnification");
         QTest::newRow("text of a number") << QByteArray(R"({"firmware": 2})") << QByteArray("firmware");
         QTest::newRow("unknown camera") << QByteArray(R"({"camera": "film"})") << QByteArray("camera");
         QTest::newRow("seed below 0") << QByteArray(R"({"seed": -1})") << QByteArray("seed");
