@@ -1,0 +1,480 @@
+#include "camera/baslerframedelivery.h"
+
+#include "camera/BaslerCamera.h"
+#include "tests/platform/ScriptedCamera.h"
+#include "tests/support/LogCapture.h"
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include <atomic>
+#include <future>
+#include <memory>
+#include <thread>
+
+using Bytes = ScriptedCamera::Bytes;
+using Milliseconds = ScriptedCamera::Milliseconds;
+using Picture = ScriptedCamera::Picture;
+using Shot = ScriptedCamera::Shot;
+
+namespace {
+
+constexpr char kLandingWait[] = "! wait up to 10 seconds to trigger camera !";
+constexpr char kLandingWaitOver[] = "! waiting finished !";
+constexpr char kTimeout[] = "triggerAndWaitForFrame !!! Wait condition timeout !!!";
+
+/// A source on a scripted camera that grabs and waits for triggers.
+struct Bench {
+    Bench()
+    {
+        BaslerCamera::m_bFrameIsGrabbing = false;
+        source = std::make_unique<BaslerFrameDelivery>();
+        source->start();
+        QObject::connect(
+            source.get(), &FrameDelivery::sig_imgReady, source.get(), [this] { ++ready; },
+            Qt::DirectConnection);
+        server.forgetRequests();
+    }
+    int triggers() const { return server.count("Trigger"); }
+
+    ScriptedCamera server;
+    std::atomic<int> ready { 0 }; ///< frames that were told
+    std::unique_ptr<BaslerFrameDelivery> source;
+};
+
+/// Finds out, from a third thread, whether the source's mutex is taken.
+class LockProbe {
+public:
+    explicit LockProbe(BaslerFrameDelivery& source)
+        : m_source(source)
+    {
+    }
+    ~LockProbe()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+    /// Called by the thread that may hold the mutex.
+    void look()
+    {
+        m_thread = std::thread([this] {
+            m_source.getAutoTriggeringMode(); // takes the mutex
+            m_taken.set_value();
+        });
+        m_wasLocked = m_taken.get_future().wait_for(Milliseconds(300)) == std::future_status::timeout;
+        m_hasLooked = true;
+    }
+    bool hasLooked() const { return m_hasLooked; }
+    bool wasLocked() const { return m_wasLocked; }
+
+private:
+    BaslerFrameDelivery& m_source;
+    std::promise<void> m_taken;
+    std::atomic<bool> m_hasLooked { false };
+    std::atomic<bool> m_wasLocked { false };
+    std::thread m_thread;
+};
+
+Picture greyPicture(int grey)
+{
+    return { 1280, 960, 1, Bytes(1280 * 960, static_cast<std::uint8_t>(grey)) };
+}
+
+} // namespace
+
+/// The trigger loop: the grab thread, the GUI thread and what runs between them.
+class tst_baslerframedelivery_loop : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { Pylon::PylonInitialize(); }
+    void cleanupTestCase() { Pylon::PylonTerminate(); }
+
+    void liveMode_eachFrameAsksForTheNext()
+    {
+        Bench bench;
+        bench.source->setAutoTriggeringMode(true);
+        QVERIFY(bench.source->getAutoTriggeringMode());
+        QTRY_VERIFY(bench.ready >= 10);
+        bench.source->setAutoTriggeringMode(false);
+        QCOMPARE(bench.server.ignoredTriggers(), 0); // never two under way
+        QCOMPARE(bench.triggers(), bench.ready.load());
+    }
+
+    void liveMode_twiceInARow_triggersOnce()
+    {
+        Bench bench;
+        bench.server.setDelay(Milliseconds(60000)); // the first frame stays under way
+        bench.source->setAutoTriggeringMode(true);
+        bench.source->setAutoTriggeringMode(true);
+        QCOMPARE(bench.triggers(), 1);
+        QCOMPARE(bench.server.ignoredTriggers(), 0);
+    }
+
+    void liveMode_onASourceThatDoesNotGrab_startsIt()
+    {
+        Bench bench;
+        bench.source->stop();
+        QVERIFY(!bench.source->isRunning());
+        bench.source->setAutoTriggeringMode(true);
+        QVERIFY(bench.source->isRunning());
+        QTRY_VERIFY(bench.ready >= 2);
+    }
+
+    void liveMode_isLoggedWithALineNumber()
+    {
+        Bench bench;
+        LogCapture log;
+        bench.source->setAutoTriggeringMode(false);
+        QVERIFY(QRegExp("setAutoTriggeringMode \\d+ false").exactMatch(log.lines().first()));
+        QCOMPARE(log.lines().size(), 1); // the mode was that already
+    }
+
+    void liveMode_isPacedByTheEventLoop()
+    {
+        // The next trigger is queued to the GUI thread: nothing happens while that one is busy.
+        Bench bench;
+        bench.source->setAutoTriggeringMode(true);
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 200) { }
+        QCOMPARE(bench.triggers(), 1);
+        QTRY_VERIFY(bench.triggers() >= 3);
+    }
+
+    void switchingOff_waitsForTheFrameUnderWay()
+    {
+        Bench bench;
+        bench.server.setDelay(Milliseconds(300));
+        bench.source->setAutoTriggeringMode(true);
+        LogCapture log;
+        bench.source->setAutoTriggeringMode(false); // on the GUI thread, which has made the source
+        QCOMPARE(bench.ready.load(), 1);
+        const int begin = log.indexOf(kLandingWait);
+        QVERIFY(begin >= 0);
+        QVERIFY(log.indexOf(kLandingWaitOver) > begin);
+        QVERIFY(!BaslerCamera::m_bFrameIsGrabbing);
+        QTest::qWait(100);
+        QCOMPARE(bench.triggers(), 1); // that frame did not trigger again
+    }
+
+    void switchingOff_withoutAFrameUnderWay_doesNotWait()
+    {
+        Bench bench;
+        bench.server.script({ { Shot::Good, Milliseconds(0), {} } });
+        bench.source->deinitialize(); // no trigger goes out
+        bench.source->setAutoTriggeringMode(true);
+        LogCapture log;
+        bench.source->setAutoTriggeringMode(false);
+        QVERIFY(!log.contains(kLandingWait));
+    }
+
+    void switchingOff_whenTheFrameNeverComes_waitsTenSeconds()
+    {
+        Bench bench;
+        bench.server.script({ { Shot::Refused, Milliseconds(0), "no power" } });
+        bench.source->setAutoTriggeringMode(true);
+        QVERIFY(BaslerCamera::m_bFrameIsGrabbing); // a refused trigger leaves it set
+        LogCapture log;
+        QElapsedTimer timer;
+        timer.start();
+        bench.source->setAutoTriggeringMode(false);
+        QVERIFY(timer.elapsed() >= 9900);
+        QVERIFY(timer.elapsed() < 30000);
+        QVERIFY(log.contains(kLandingWaitOver));
+        QVERIFY(!bench.source->getAutoTriggeringMode());
+    }
+
+    void refusedTrigger_endsTheLoopSilently()
+    {
+        Bench bench;
+        bench.server.script({ {}, {}, { Shot::Refused, Milliseconds(0), "no power" } });
+        LogCapture log;
+        bench.source->setAutoTriggeringMode(true);
+        QTRY_VERIFY(log.contains("no power"));
+        QTest::qWait(100);
+        QCOMPARE(bench.triggers(), 3);
+        QCOMPARE(bench.ready.load(), 2);
+        BaslerCamera::m_bFrameIsGrabbing = false; // nothing will land that one could wait for
+    }
+
+    void failedGrab_inLiveMode_theLoopGoesOn()
+    {
+        Bench bench;
+        bench.server.script({ { Shot::Failed, Milliseconds(0), "incomplete" } });
+        LogCapture log;
+        bench.source->setAutoTriggeringMode(true);
+        QTRY_VERIFY(bench.ready >= 3);
+        const int line = log.indexOf("Grab is not succeeded incomplete");
+        QVERIFY(line >= 0);
+        QVERIFY(log.lines()[line].startsWith("virtual void BaslerFrameDelivery::OnImageGrabbed("));
+        QCOMPARE(bench.server.ignoredTriggers(), 0);
+    }
+
+    void failedGrab_outOfLiveMode_stillTriggersOnce()
+    {
+        Bench bench;
+        bench.server.script({ { Shot::Failed, Milliseconds(0), "incomplete" } });
+        bench.source->slot_ExecuteSoftwareTrigger();
+        QTRY_COMPARE(bench.ready.load(), 1); // one extra frame
+        QTest::qWait(100);
+        QCOMPARE(bench.triggers(), 2);
+        QCOMPARE(bench.ready.load(), 1);
+    }
+
+    void failedGrab_isNoFrameAndLeavesOneUnderWay()
+    {
+        Bench bench;
+        bench.source->deinitialize();
+        bench.server.script({ { Shot::Failed, Milliseconds(0), "incomplete" } });
+        LogCapture log;
+        bench.source->slot_ExecuteSoftwareTrigger();
+        QTRY_VERIFY(log.contains("Grab is not succeeded"));
+        bench.source
+            ->BaslerFrameDelivery::stop(); // joins the grab thread; not live, so that nothing is waited for
+        QVERIFY(BaslerCamera::m_bFrameIsGrabbing);
+        QCOMPARE(bench.ready.load(), 0);
+        cv::Mat matrix;
+        QVERIFY(!bench.source->pushMatImage(matrix));
+    }
+
+    void stop_endsTheLoop()
+    {
+        Bench bench;
+        bench.source->setAutoTriggeringMode(true);
+        QTRY_VERIFY(bench.ready >= 3);
+        bench.source->stop();
+        QVERIFY(!bench.source->isRunning());
+        QVERIFY(!bench.source->getAutoTriggeringMode());
+        const int landed = bench.ready;
+        QTest::qWait(100);
+        QCOMPARE(bench.ready.load(), landed);
+    }
+
+    void pulledPlug_theLoopEndsAndTheLastFrameStays()
+    {
+        Bench bench;
+        bench.server.setPicture([](int) { return greyPicture(42); });
+        bench.source->setAutoTriggeringMode(true);
+        QTRY_VERIFY(bench.ready >= 3);
+        LogCapture log;
+        bench.server.unplug();
+        QTRY_VERIFY(BaslerCamera::m_Instance->IsCameraDeviceRemoved());
+        QTest::qWait(100);
+        const int landed = bench.ready;
+        QTest::qWait(100);
+        QCOMPARE(bench.ready.load(), landed);
+        QVERIFY(bench.source->isRunning());
+        QCOMPARE(bench.source->getIntensity(), 42.0);
+        BaslerCamera::m_bFrameIsGrabbing = false;
+        bench.source->stop();
+        QVERIFY(!bench.source->isRunning());
+    }
+
+    void serverGone_isAPulledPlug()
+    {
+        Bench bench;
+        bench.source->setAutoTriggeringMode(true);
+        QTRY_VERIFY(bench.ready >= 3);
+        bench.server.hangUp();
+        QTRY_VERIFY(BaslerCamera::m_Instance->IsCameraDeviceRemoved());
+        bench.source.reset();
+        QVERIFY(FrameDelivery::m_pInstance == nullptr);
+    }
+
+    void exceptionInOnImageGrabbed_isLoggedAndLeavesTheMutexFree()
+    {
+        // A pixel type that the library cannot attach makes it throw while the source holds its mutex.
+        Bench bench;
+        bench.server.setPicture([](int) { return Picture { 1280, 960, 3, Bytes(1280 * 960 * 3) }; });
+        LogCapture log;
+        bench.source->slot_ExecuteSoftwareTrigger();
+        QTRY_VERIFY(log.contains("Exception in Basler camera: failed getting a frame: "));
+        const int line = log.indexOf("Exception in Basler camera: failed getting a frame: ");
+        QVERIFY(log.lines()[line].startsWith("virtual void BaslerFrameDelivery::OnImageGrabbed("));
+        QVERIFY(log.lines()[line].contains("pixel type"));
+        QCOMPARE(bench.ready.load(), 0);
+        QVERIFY(!bench.source->getAutoTriggeringMode()); // takes the mutex
+        QVERIFY(bench.source->isRunning());
+        cv::Mat matrix;
+        QVERIFY(!bench.source->pushMatImage(matrix));
+    }
+
+    void exceptionAfterARemoval_saysSo()
+    {
+        Bench bench;
+        bench.server.unplug();
+        QTRY_VERIFY(BaslerCamera::m_Instance->IsCameraDeviceRemoved());
+        LogCapture log;
+        bench.source->OnImageGrabbed(*BaslerCamera::m_Instance, Pylon::CGrabResultPtr());
+        QVERIFY(log.contains("Exception: Basler Camera failed or removed: "));
+        QVERIFY(!bench.source->getAutoTriggeringMode());
+    }
+
+    void onImagesSkipped_logsItsSignatureOnly()
+    {
+        Bench bench;
+        LogCapture log;
+        bench.source->OnImagesSkipped(*BaslerCamera::m_Instance, 3);
+        QCOMPARE(log.lines().size(), 1);
+        QVERIFY(log.lines().first().startsWith("virtual void BaslerFrameDelivery::OnImagesSkipped("));
+        QVERIFY(log.lines().first().endsWith(")"));
+    }
+
+    void newFrame_asksForTheNextOneUnderTheLock()
+    {
+        Bench bench;
+        bench.source->deinitialize(); // the loop is driven by hand
+        bench.source->setAutoTriggeringMode(true);
+        LockProbe probe(*bench.source);
+        QObject::connect(
+            bench.source.get(), &FrameDelivery::sig_ExecuteSoftwareTrigger, bench.source.get(),
+            [&probe] { probe.look(); }, Qt::DirectConnection);
+        bench.source->slot_ExecuteSoftwareTrigger();
+        QTRY_COMPARE(bench.ready.load(), 1);
+        QVERIFY(probe.hasLooked());
+        QVERIFY(probe.wasLocked());
+    }
+
+    void newFrame_isToldOutsideOfTheLock()
+    {
+        Bench bench;
+        LockProbe probe(*bench.source);
+        QObject::connect(
+            bench.source.get(), &FrameDelivery::sig_imgReady, bench.source.get(), [&probe] { probe.look(); },
+            Qt::DirectConnection);
+        bench.source->slot_ExecuteSoftwareTrigger();
+        QTRY_VERIFY(probe.hasLooked());
+        QVERIFY(!probe.wasLocked());
+    }
+
+    void newFrame_wakesThoseWhoWaitAfterItWasTold()
+    {
+        Bench bench;
+        bench.server.setDelay(Milliseconds(100)); // so that the wait has begun
+        std::atomic<bool> told { false };
+        QObject::connect(
+            bench.source.get(), &FrameDelivery::sig_imgReady, bench.source.get(),
+            [&told] {
+                std::this_thread::sleep_for(Milliseconds(100));
+                told = true;
+            },
+            Qt::DirectConnection);
+        bench.source->triggerAndWaitForFrame(true);
+        QVERIFY(told);
+    }
+
+    void triggerAndWait_returnsWithTheFrame()
+    {
+        Bench bench;
+        bench.server.setDelay(Milliseconds(100));
+        LogCapture log;
+        bench.source->triggerAndWaitForFrame(true);
+        QCOMPARE(bench.ready.load(), 1);
+        QVERIFY(log.lines().first().endsWith("triggerAndWaitForFrame(bool) Live mode is on: false"));
+        QVERIFY(!log.contains(kTimeout));
+    }
+
+    void triggerAndWait_withoutTrigger_waitsOneSecond()
+    {
+        Bench bench;
+        LogCapture log;
+        QElapsedTimer timer;
+        timer.start();
+        bench.source->triggerAndWaitForFrame(false);
+        QVERIFY(timer.elapsed() >= 990);
+        QVERIFY(timer.elapsed() < 4500);
+        QVERIFY(log.contains(kTimeout));
+        QCOMPARE(bench.triggers(), 0);
+    }
+
+    void triggerAndWait_lostFrame_waitsFiveSeconds()
+    {
+        Bench bench;
+        bench.server.script({ { Shot::Lost, Milliseconds(0), {} } });
+        LogCapture log;
+        QElapsedTimer timer;
+        timer.start();
+        bench.source->triggerAndWaitForFrame(true);
+        QVERIFY(timer.elapsed() >= 4990);
+        QVERIFY(timer.elapsed() < 20000);
+        QVERIFY(log.contains(kTimeout));
+        QCOMPARE(bench.triggers(), 1);
+    }
+
+    void triggerAndWait_inLiveMode_returnsAtOnce()
+    {
+        Bench bench;
+        bench.server.setDelay(Milliseconds(60000));
+        bench.source->setAutoTriggeringMode(true);
+        LogCapture log;
+        QElapsedTimer timer;
+        timer.start();
+        bench.source->triggerAndWaitForFrame(true);
+        QVERIFY(timer.elapsed() < 900);
+        QVERIFY(log.contains("Live mode is on: true"));
+        QCOMPARE(bench.triggers(), 2);
+        QCOMPARE(bench.server.ignoredTriggers(), 1);
+    }
+
+    void lateFrame_isTakenWhenItComes()
+    {
+        Bench bench;
+        bench.server.script({ { Shot::Good, Milliseconds(600), {} } });
+        bench.source->slot_ExecuteSoftwareTrigger();
+        cv::Mat matrix;
+        QVERIFY(!bench.source->pushMatImage(matrix));
+        QTRY_COMPARE(bench.ready.load(), 1);
+        QVERIFY(bench.source->pushMatImage(matrix));
+    }
+
+    void copies_whileFramesComeIn_areWholeFrames()
+    {
+        Bench bench;
+        bench.server.setPicture([](int frame) { return greyPicture(frame % 256); });
+        bench.source->setAutoTriggeringMode(true);
+        QTRY_VERIFY(bench.ready >= 1);
+        QImage image(1280, 960, QImage::Format_Indexed8);
+        cv::Mat matrix;
+        for (int i = 0; i < 40; ++i) {
+            QVERIFY(bench.source->pushMatImage(matrix));
+            double lowest = 0.0;
+            double highest = 0.0;
+            cv::minMaxLoc(matrix, &lowest, &highest);
+            QCOMPARE(lowest, highest);
+            QVERIFY(bench.source->pushQImage(image));
+            QCOMPARE(image.constBits()[0], image.constBits()[1228799]);
+            QVERIFY(bench.source->getIntensity() >= 0.0);
+            QCoreApplication::processEvents();
+        }
+    }
+
+    void sourceDestroyedInLiveMode_endsCleanly()
+    {
+        Bench bench;
+        bench.source->setAutoTriggeringMode(true);
+        QTRY_VERIFY(bench.ready >= 2);
+        bench.source.reset();
+        const int landed = bench.ready;
+        QTest::qWait(50);
+        QCOMPARE(bench.ready.load(), landed);
+    }
+
+    void readySignal_reachesTheGuiThreadQueued()
+    {
+        Bench bench;
+        QThread* seenOn = nullptr;
+        QObject receiver;
+        QObject::connect(bench.source.get(), &FrameDelivery::sig_imgReady, &receiver,
+            [&seenOn] { seenOn = QThread::currentThread(); });
+        bench.source->slot_ExecuteSoftwareTrigger();
+        QTRY_VERIFY(seenOn != nullptr);
+        QCOMPARE(seenOn, QThread::currentThread());
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_baslerframedelivery_loop)
+#include "tst_baslerframedelivery_loop.moc"
