@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -29,10 +30,9 @@ QByteArray readSome(int fd, int most, int ms)
     if (::poll(&waiting, 1, std::max(ms, 0)) <= 0) {
         return {};
     }
-    QByteArray bytes(most, Qt::Uninitialized);
-    const ssize_t count = ::read(fd, bytes.data(), static_cast<size_t>(most));
-    bytes.truncate(static_cast<int>(std::max<ssize_t>(count, 0)));
-    return bytes;
+    std::vector<char> bytes(static_cast<size_t>(most));
+    const ssize_t count = ::read(fd, bytes.data(), bytes.size());
+    return { bytes.data(), static_cast<int>(std::max<ssize_t>(count, 0)) };
 }
 
 } // namespace
