@@ -40,11 +40,14 @@ def main():
             print(f"figures: {reason}", file=sys.stderr)
             return 1
     good = True
+    line = "| {:<45} | {:>8} | {:<8} | {:<11} | {:<11} |"
+    print(line.format("figure", "measured", "unit", "wanted", "verdict"))
+    print("|" + "|".join("-" * (width + 2) for width in (45, 8, 8, 11, 11)) + "|")
     for what, value, unit, at_least, at_most in figures:
-        limit = f"at least {at_least:g}" if at_least is not None else f"at most {at_most:g}"
+        wanted = f"at least {at_least:g}" if at_least is not None else f"at most {at_most:g}"
         kept = value >= at_least if at_least is not None else value <= at_most
         good = good and kept
-        print(f"{what:<58} {value:8.1f} {unit:<9} {limit:<14} {'good' if kept else 'FALLS SHORT'}")
+        print(line.format(what, f"{value:.1f}", unit, wanted, "good" if kept else "falls short"))
     return 0 if good else 1
 
 
