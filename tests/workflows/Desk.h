@@ -46,10 +46,8 @@ public:
     }
     QString style(const char* name) { return m_window->findChild<QWidget*>(name)->styleSheet(); }
     bool isEnabled(const char* name) { return m_window->findChild<QWidget*>(name)->isEnabled(); }
-    bool isShown(const char* name)
-    {
-        return m_window->findChild<QWidget*>(name)->isVisibleTo(m_window.get());
-    }
+    /// Not hidden by the program; it may still stand on a page that is not in front.
+    bool isShown(const char* name) { return !m_window->findChild<QWidget*>(name)->isHidden(); }
 
     RigClient rig;
     LogCapture log;
