@@ -65,7 +65,7 @@ private slots:
         view.show();
         FrameDelivery::m_pInstance->triggerAndWaitForFrame(true);
         QTRY_COMPARE(view.grab().toImage().pixel(270, 202), qRgb(100, 100, 100));
-        board.setPicture([](int) { return ScriptedBoard::Bytes(1280U * 964U, 33); });
+        board.setPicture([](int) { return ScriptedBoard::Bytes(std::size_t(1280) * 964, 33); });
         FrameDelivery::m_pInstance->triggerAndWaitForFrame(true);
         QTRY_COMPARE(view.grab().toImage().pixel(270, 202), qRgb(33, 33, 33));
     }

@@ -92,9 +92,9 @@ private slots:
         Bytes bytes { 0x00, 0xF8, 0xE0, 0x07, 0x1F, 0x00, 0x00, 0x00 };
         const cv::Mat mat = ar0134::toMat(frameOf(bytes, Rgb, 4, 1, 2, 16), 0);
         QCOMPARE(mat.type(), CV_8UC3);
-        const cv::Vec3b red = mat.at<cv::Vec3b>(0, 0);
-        const cv::Vec3b green = mat.at<cv::Vec3b>(0, 1);
-        const cv::Vec3b blue = mat.at<cv::Vec3b>(0, 2);
+        const auto& red = mat.at<cv::Vec3b>(0, 0);
+        const auto& green = mat.at<cv::Vec3b>(0, 1);
+        const auto& blue = mat.at<cv::Vec3b>(0, 2);
         QVERIFY(red[2] >= 248 && red[1] == 0 && red[0] == 0);
         QVERIFY(green[2] == 0 && green[1] >= 248 && green[0] == 0);
         QVERIFY(blue[2] == 0 && blue[1] == 0 && blue[0] >= 248);
@@ -186,18 +186,13 @@ private slots:
         QFETCH(int, redY);
         constexpr int WIDTH = 16;
         constexpr int HEIGHT = 8;
-        // Only the red pixels of both sensors are lit.
-        cv::Mat apart(HEIGHT, WIDTH, CV_8UC1, cv::Scalar(0));
-        for (int y = redY; y < HEIGHT; y += 2) {
-            for (int x = redX; x < WIDTH; x += 2) {
-                apart.at<uchar>(y, x) = 200;
-            }
-        }
-        Bytes bytes(WIDTH * HEIGHT);
+        // Only the red pixels of both sensors are lit; the pixels of the two come in turn.
+        Bytes bytes;
         for (int y = 0; y < HEIGHT; ++y) {
             for (int x = 0; x < WIDTH; ++x) {
                 const int column = x / 2 + (x % 2) * WIDTH / 2;
-                bytes[static_cast<std::size_t>(y * WIDTH + x)] = apart.at<uchar>(y, column);
+                const bool red = column % 2 == redX && y % 2 == redY;
+                bytes.push_back(red ? 200 : 0);
             }
         }
         const cv::Mat mat = ar0134::toMat(frameOf(bytes, RawDual, WIDTH, HEIGHT), subFormat);

@@ -20,8 +20,9 @@ private slots:
         ScriptedBoard board;
         const Ar0134Bench bench;
         // Each picture is of one grey value, so that a frame that was copied while it changed shows.
-        board.setPicture(
-            [](int frame) { return ScriptedBoard::Bytes(1280U * 964U, static_cast<std::uint8_t>(frame)); });
+        board.setPicture([](int frame) {
+            return ScriptedBoard::Bytes(std::size_t(1280) * 964, static_cast<std::uint8_t>(frame));
+        });
         board.setDelay(std::chrono::milliseconds(1));
         Ar0134FrameDelivery source;
         QVERIFY(source.isRunning());

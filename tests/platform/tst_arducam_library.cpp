@@ -17,7 +17,7 @@ namespace {
 /// A small picture keeps the tests short; the library takes any size.
 constexpr Uint32 kWidth = 8;
 constexpr Uint32 kHeight = 4;
-constexpr std::size_t kPixels = kWidth * kHeight;
+constexpr std::size_t kPixels = std::size_t(kWidth) * kHeight;
 
 ArduCamCfg configuration()
 {
