@@ -26,6 +26,10 @@ MainWindow::MainWindow(QWidget* parent)
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     move(screen.x() + (screen.width() - width()) / 2, screen.y() + (screen.height() - height()) / 2);
 
+    // A clean state of the USB sticks.
+    m_media_monitor.umountAll();
+    m_media_monitor.mountAll();
+
     ui->groupBox_VATLINE->setVisible(true);
     ui->groupBox_TALLYLINK->setVisible(true);
     ui->groupBox_QLPK->setVisible(true);

@@ -8,6 +8,7 @@
 #include "app/shift_values.h"
 #include "app/slide_geometry.h"
 #include "app/z_slope_cal.h"
+#include "storage/MediaMonitor.h"
 #include "views/measure_info.h"
 
 #include <opencv2/core.hpp>
@@ -51,6 +52,8 @@ signals:
     void sig_finish_QC_ImageGrabbed();
     /// A frame of the pixel shift run has been stored.
     void sig_finish_pixelshift_ImageGrabbed();
+    /// The picture of one channel has been written, or could not be.
+    void sig_finish_save_ImageGrabbed();
     /// An autofocus run has ended, its message box (if any) has not yet come up.
     void sig_finish_Autofocusing();
 
@@ -206,6 +209,13 @@ public slots:
     void slot_measure_result(measure_info info);
     void slot_measure_error(TargetingError error);
 
+    // Image capture to a stick: MainWindow_capture.cpp
+
+    /// Asks for a name and saves one colour picture for each ticked channel.
+    void on_pushButton_CAPTURE_clicked();
+    void on_pushButton_UNMOUNT_clicked();
+    void slot_save_ImageGrabbed();
+
     // Identity, options and mirrors: MainWindow_identity.cpp
 
     /// Stores the serial number and runs the host name script. Blocks for at most 30 s.
@@ -309,6 +319,11 @@ public:
     /// `shifted` moves the channels by the values on show. Fields without frames give a picture, too.
     cv::Mat make_overlayImage(int field, bool shifted);
 
+    // Image capture to a stick: MainWindow_capture.cpp
+
+    /// Writes red, green, blue pixels to `m_save_file_name`; a failure is logged.
+    void save_ImageGrabbed(unsigned char* pixels, int width, int height);
+
     // Version panel: MainWindow_version.cpp
 
     /// Shows the builds of this tool and of the instrument's main application. Blocks for at most 30 s.
@@ -400,6 +415,11 @@ private:
 
     void enableTargeting(bool enabled);
 
+    // Image capture to a stick
+
+    /// Takes a frame after one exposure and 250 ms and writes it; returns when it is written.
+    void captureChannel(const QString& file);
+
     // Identity, options and mirrors
 
     void showSerialNumber();
@@ -478,6 +498,10 @@ private:
     ShiftValues m_shiftAverage = {};
 
     measure_info m_measure_info;
+
+    MediaMonitor m_media_monitor;
+    QString m_usb_mount_path; ///< of the stick that the last capture found; empty: none
+    QString m_save_file_name;
 
     Ui::MainWindow* ui = nullptr;
 };

@@ -1,0 +1,111 @@
+#include "app/MainWindow.h"
+
+#include "storage/ImReaderWriter.h"
+#include "ui_MainWindow.h"
+
+#include <opencv2/imgproc.hpp>
+
+#include <QDebug>
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QTimer>
+
+namespace {
+
+constexpr int kFrameWidth = 1280;
+constexpr int kFrameHeight = 960;
+constexpr int kSettlingMs = 250;
+constexpr unsigned short kCompressionLzw = 5;
+constexpr unsigned short kPhotometricRgb = 2;
+
+/// The grey frame in the planes of its channel. The planes are built blue, green, red and turned to red,
+/// green, blue, the order of the file. A channel that is none leaves the grey frame, as it is, in all three.
+cv::Mat colourCoded(const cv::Mat& frame, ILLUMINATION_type channel)
+{
+    const cv::Mat zero = cv::Mat::zeros(frame.size(), CV_8UC1);
+    cv::Mat planes[] = { frame, frame, frame };
+    if (channel == ILLUMINATION_GFP) {
+        planes[0] = zero;
+        planes[2] = zero;
+    } else if (channel == ILLUMINATION_RFP) {
+        planes[0] = zero;
+        planes[1] = zero;
+    }
+    cv::Mat coded;
+    cv::merge(planes, 3, coded);
+    cv::cvtColor(coded, coded, cv::COLOR_BGR2RGB);
+    return coded;
+}
+
+} // namespace
+
+void MainWindow::on_pushButton_CAPTURE_clicked()
+{
+    // A stick that was plugged in since the last look is mounted afresh.
+    m_media_monitor.umountAll();
+    m_media_monitor.mountAll();
+    QString mountPoint;
+    QString device;
+    m_usb_mount_path.clear();
+    if (m_media_monitor.isConnectedUSB(mountPoint, device))
+        m_usb_mount_path = mountPoint;
+
+    const QString name
+        = QFileDialog::getSaveFileName(nullptr, tr("Save Image"), QString(), tr("TIFF Image (*.tif)"));
+    if (name.isEmpty())
+        return;
+    if (ui->checkBox_CAPTURE_BF->isChecked()) {
+        on_pushButton_ILLUMINATION_BF_clicked();
+        captureChannel(name + "_BF.tif");
+    }
+    if (ui->checkBox_CAPTURE_GFP->isChecked()) {
+        on_pushButton_ILLUMINATION_GFP_clicked();
+        captureChannel(name + "_GFP.tif");
+    }
+    if (ui->checkBox_CAPTURE_RFP->isChecked()) {
+        on_pushButton_ILLUMINATION_RFP_clicked();
+        captureChannel(name + "_RFP.tif");
+    }
+    QMessageBox::information(this, "Info", "finish save Image !", QMessageBox::Ok);
+}
+
+void MainWindow::captureChannel(const QString& file)
+{
+    m_save_file_name = file;
+    // LED and filter wheel settle, and the exposure begins anew.
+    const int exposure = ui->spinBox_EXPOSURE->text().toInt();
+    QEventLoop loop;
+    connect(this, &MainWindow::sig_finish_save_ImageGrabbed, &loop, &QEventLoop::quit);
+    QTimer::singleShot(exposure + kSettlingMs, this, SLOT(slot_save_ImageGrabbed()));
+    loop.exec();
+}
+
+void MainWindow::slot_save_ImageGrabbed()
+{
+    const cv::Mat frame = cv::Mat(kFrameHeight, kFrameWidth, CV_8UC1, basler_camera_grab()).clone();
+    cv::Mat coded = colourCoded(frame, m_illumination_type);
+    save_ImageGrabbed(coded.data, kFrameWidth, kFrameHeight);
+}
+
+void MainWindow::save_ImageGrabbed(unsigned char* pixels, int width, int height)
+{
+    std::string name = m_save_file_name.toStdString();
+    std::string description;
+    general::ImReaderWriter writer;
+    writer.load(pixels, static_cast<unsigned>(width), static_cast<unsigned>(height), 8, 3, kCompressionLzw,
+        kPhotometricRgb);
+    if (writer.write(name, description))
+        qDebug() << "[save_grabImage] save done";
+    else
+        qDebug() << "[save_grabImage] save fail";
+    emit sig_finish_save_ImageGrabbed();
+}
+
+void MainWindow::on_pushButton_UNMOUNT_clicked()
+{
+    if (m_usb_mount_path.isEmpty())
+        return;
+    if (m_media_monitor.umount(m_usb_mount_path))
+        QMessageBox::information(this, "Info", "finish unmount !", QMessageBox::Ok);
+}
