@@ -72,8 +72,8 @@ void BaslerFrameDelivery::initialize()
         DeviceNodeMap map;
         m_pCamera->open();
         m_pCamera->initalize(kFrameWidth, kFrameHeight, kBitsPerPixel, map);
-        setCurrentGain(kFirstGain);
-        setCurrentExposure(kFirstExposure);
+        BaslerFrameDelivery::setCurrentGain(kFirstGain);
+        BaslerFrameDelivery::setCurrentExposure(kFirstExposure);
         qDebug() << "initialize"
                  << "BASLER CAM Width :" << map.width << " Height :" << map.height;
     }

@@ -19,7 +19,7 @@ namespace {
 /// A picture with another grey value in each row, and a bright first pixel.
 Picture rampPicture()
 {
-    Picture picture { 1280, 960, 1, ScriptedCamera::Bytes(1280 * 960) };
+    Picture picture { 1280, 960, 1, ScriptedCamera::Bytes(ScriptedCamera::kFrameBytes) };
     for (std::size_t i = 0; i < picture.pixels.size(); ++i)
         picture.pixels[i] = static_cast<std::uint8_t>(i / 1280 % 200);
     picture.pixels[0] = 255;
@@ -334,9 +334,7 @@ private slots:
         // A camera of an unknown family keeps its own size, and consumers copy 1228800 bytes whatever comes.
         Bench bench;
         QVERIFY(bench.grab());
-        bench.server.setPicture([](int) {
-            return Picture { 640, 480, 1, ScriptedCamera::Bytes(640 * 480) };
-        });
+        bench.server.setPicture([](int) { return Picture { 640, 480, 1, ScriptedCamera::Bytes(307200) }; });
         LogCapture log;
         QVERIFY(bench.grab());
         cv::Mat matrix;

@@ -1,17 +1,12 @@
-#include "camera/baslerframedelivery.h"
-
-#include "camera/BaslerCamera.h"
-#include "tests/platform/ScriptedCamera.h"
+#include "tests/camera/LiveSource.h"
 #include "tests/support/LogCapture.h"
 
 #include <QElapsedTimer>
-#include <QSignalSpy>
 #include <QTest>
 #include <QThread>
 
 #include <atomic>
 #include <future>
-#include <memory>
 #include <thread>
 
 using Bytes = ScriptedCamera::Bytes;
@@ -20,29 +15,6 @@ using Picture = ScriptedCamera::Picture;
 using Shot = ScriptedCamera::Shot;
 
 namespace {
-
-constexpr char kLandingWait[] = "! wait up to 10 seconds to trigger camera !";
-constexpr char kLandingWaitOver[] = "! waiting finished !";
-constexpr char kTimeout[] = "triggerAndWaitForFrame !!! Wait condition timeout !!!";
-
-/// A source on a scripted camera that grabs and waits for triggers.
-struct Bench {
-    Bench()
-    {
-        BaslerCamera::m_bFrameIsGrabbing = false;
-        source = std::make_unique<BaslerFrameDelivery>();
-        source->start();
-        QObject::connect(
-            source.get(), &FrameDelivery::sig_imgReady, source.get(), [this] { ++ready; },
-            Qt::DirectConnection);
-        server.forgetRequests();
-    }
-    int triggers() const { return server.count("Trigger"); }
-
-    ScriptedCamera server;
-    std::atomic<int> ready { 0 }; ///< frames that were told
-    std::unique_ptr<BaslerFrameDelivery> source;
-};
 
 /// Finds out, from a third thread, whether the source's mutex is taken.
 class LockProbe {
@@ -80,7 +52,7 @@ private:
 
 Picture greyPicture(int grey)
 {
-    return { 1280, 960, 1, Bytes(1280 * 960, static_cast<std::uint8_t>(grey)) };
+    return { 1280, 960, 1, Bytes(ScriptedCamera::kFrameBytes, static_cast<std::uint8_t>(grey)) };
 }
 
 } // namespace
@@ -95,7 +67,7 @@ private slots:
 
     void liveMode_eachFrameAsksForTheNext()
     {
-        Bench bench;
+        LiveSource bench;
         bench.source->setAutoTriggeringMode(true);
         QVERIFY(bench.source->getAutoTriggeringMode());
         QTRY_VERIFY(bench.ready >= 10);
@@ -106,7 +78,7 @@ private slots:
 
     void liveMode_twiceInARow_triggersOnce()
     {
-        Bench bench;
+        LiveSource bench;
         bench.server.setDelay(Milliseconds(60000)); // the first frame stays under way
         bench.source->setAutoTriggeringMode(true);
         bench.source->setAutoTriggeringMode(true);
@@ -116,7 +88,7 @@ private slots:
 
     void liveMode_onASourceThatDoesNotGrab_startsIt()
     {
-        Bench bench;
+        LiveSource bench;
         bench.source->stop();
         QVERIFY(!bench.source->isRunning());
         bench.source->setAutoTriggeringMode(true);
@@ -126,7 +98,7 @@ private slots:
 
     void liveMode_isLoggedWithALineNumber()
     {
-        Bench bench;
+        LiveSource bench;
         LogCapture log;
         bench.source->setAutoTriggeringMode(false);
         QVERIFY(QRegExp("setAutoTriggeringMode \\d+ false").exactMatch(log.lines().first()));
@@ -136,7 +108,7 @@ private slots:
     void liveMode_isPacedByTheEventLoop()
     {
         // The next trigger is queued to the GUI thread: nothing happens while that one is busy.
-        Bench bench;
+        LiveSource bench;
         bench.source->setAutoTriggeringMode(true);
         QElapsedTimer timer;
         timer.start();
@@ -145,52 +117,9 @@ private slots:
         QTRY_VERIFY(bench.triggers() >= 3);
     }
 
-    void switchingOff_waitsForTheFrameUnderWay()
-    {
-        Bench bench;
-        bench.server.setDelay(Milliseconds(300));
-        bench.source->setAutoTriggeringMode(true);
-        LogCapture log;
-        bench.source->setAutoTriggeringMode(false); // on the GUI thread, which has made the source
-        QCOMPARE(bench.ready.load(), 1);
-        const int begin = log.indexOf(kLandingWait);
-        QVERIFY(begin >= 0);
-        QVERIFY(log.indexOf(kLandingWaitOver) > begin);
-        QVERIFY(!BaslerCamera::m_bFrameIsGrabbing);
-        QTest::qWait(100);
-        QCOMPARE(bench.triggers(), 1); // that frame did not trigger again
-    }
-
-    void switchingOff_withoutAFrameUnderWay_doesNotWait()
-    {
-        Bench bench;
-        bench.server.script({ { Shot::Good, Milliseconds(0), {} } });
-        bench.source->deinitialize(); // no trigger goes out
-        bench.source->setAutoTriggeringMode(true);
-        LogCapture log;
-        bench.source->setAutoTriggeringMode(false);
-        QVERIFY(!log.contains(kLandingWait));
-    }
-
-    void switchingOff_whenTheFrameNeverComes_waitsTenSeconds()
-    {
-        Bench bench;
-        bench.server.script({ { Shot::Refused, Milliseconds(0), "no power" } });
-        bench.source->setAutoTriggeringMode(true);
-        QVERIFY(BaslerCamera::m_bFrameIsGrabbing); // a refused trigger leaves it set
-        LogCapture log;
-        QElapsedTimer timer;
-        timer.start();
-        bench.source->setAutoTriggeringMode(false);
-        QVERIFY(timer.elapsed() >= 9900);
-        QVERIFY(timer.elapsed() < 30000);
-        QVERIFY(log.contains(kLandingWaitOver));
-        QVERIFY(!bench.source->getAutoTriggeringMode());
-    }
-
     void refusedTrigger_endsTheLoopSilently()
     {
-        Bench bench;
+        LiveSource bench;
         bench.server.script({ {}, {}, { Shot::Refused, Milliseconds(0), "no power" } });
         LogCapture log;
         bench.source->setAutoTriggeringMode(true);
@@ -203,7 +132,7 @@ private slots:
 
     void failedGrab_inLiveMode_theLoopGoesOn()
     {
-        Bench bench;
+        LiveSource bench;
         bench.server.script({ { Shot::Failed, Milliseconds(0), "incomplete" } });
         LogCapture log;
         bench.source->setAutoTriggeringMode(true);
@@ -216,7 +145,7 @@ private slots:
 
     void failedGrab_outOfLiveMode_stillTriggersOnce()
     {
-        Bench bench;
+        LiveSource bench;
         bench.server.script({ { Shot::Failed, Milliseconds(0), "incomplete" } });
         bench.source->slot_ExecuteSoftwareTrigger();
         QTRY_COMPARE(bench.ready.load(), 1); // one extra frame
@@ -227,7 +156,7 @@ private slots:
 
     void failedGrab_isNoFrameAndLeavesOneUnderWay()
     {
-        Bench bench;
+        LiveSource bench;
         bench.source->deinitialize();
         bench.server.script({ { Shot::Failed, Milliseconds(0), "incomplete" } });
         LogCapture log;
@@ -243,7 +172,7 @@ private slots:
 
     void stop_endsTheLoop()
     {
-        Bench bench;
+        LiveSource bench;
         bench.source->setAutoTriggeringMode(true);
         QTRY_VERIFY(bench.ready >= 3);
         bench.source->stop();
@@ -256,7 +185,7 @@ private slots:
 
     void pulledPlug_theLoopEndsAndTheLastFrameStays()
     {
-        Bench bench;
+        LiveSource bench;
         bench.server.setPicture([](int) { return greyPicture(42); });
         bench.source->setAutoTriggeringMode(true);
         QTRY_VERIFY(bench.ready >= 3);
@@ -276,7 +205,7 @@ private slots:
 
     void serverGone_isAPulledPlug()
     {
-        Bench bench;
+        LiveSource bench;
         bench.source->setAutoTriggeringMode(true);
         QTRY_VERIFY(bench.ready >= 3);
         bench.server.hangUp();
@@ -288,8 +217,10 @@ private slots:
     void exceptionInOnImageGrabbed_isLoggedAndLeavesTheMutexFree()
     {
         // A pixel type that the library cannot attach makes it throw while the source holds its mutex.
-        Bench bench;
-        bench.server.setPicture([](int) { return Picture { 1280, 960, 3, Bytes(1280 * 960 * 3) }; });
+        LiveSource bench;
+        bench.server.setPicture([](int) {
+            return Picture { 1280, 960, 3, Bytes(3 * ScriptedCamera::kFrameBytes) };
+        });
         LogCapture log;
         bench.source->slot_ExecuteSoftwareTrigger();
         QTRY_VERIFY(log.contains("Exception in Basler camera: failed getting a frame: "));
@@ -305,7 +236,7 @@ private slots:
 
     void exceptionAfterARemoval_saysSo()
     {
-        Bench bench;
+        LiveSource bench;
         bench.server.unplug();
         QTRY_VERIFY(BaslerCamera::m_Instance->IsCameraDeviceRemoved());
         LogCapture log;
@@ -316,7 +247,7 @@ private slots:
 
     void onImagesSkipped_logsItsSignatureOnly()
     {
-        Bench bench;
+        LiveSource bench;
         LogCapture log;
         bench.source->OnImagesSkipped(*BaslerCamera::m_Instance, 3);
         QCOMPARE(log.lines().size(), 1);
@@ -326,7 +257,7 @@ private slots:
 
     void newFrame_asksForTheNextOneUnderTheLock()
     {
-        Bench bench;
+        LiveSource bench;
         bench.source->deinitialize(); // the loop is driven by hand
         bench.source->setAutoTriggeringMode(true);
         LockProbe probe(*bench.source);
@@ -341,7 +272,7 @@ private slots:
 
     void newFrame_isToldOutsideOfTheLock()
     {
-        Bench bench;
+        LiveSource bench;
         LockProbe probe(*bench.source);
         QObject::connect(
             bench.source.get(), &FrameDelivery::sig_imgReady, bench.source.get(), [&probe] { probe.look(); },
@@ -351,89 +282,9 @@ private slots:
         QVERIFY(!probe.wasLocked());
     }
 
-    void newFrame_wakesThoseWhoWaitAfterItWasTold()
-    {
-        Bench bench;
-        bench.server.setDelay(Milliseconds(100)); // so that the wait has begun
-        std::atomic<bool> told { false };
-        QObject::connect(
-            bench.source.get(), &FrameDelivery::sig_imgReady, bench.source.get(),
-            [&told] {
-                std::this_thread::sleep_for(Milliseconds(100));
-                told = true;
-            },
-            Qt::DirectConnection);
-        bench.source->triggerAndWaitForFrame(true);
-        QVERIFY(told);
-    }
-
-    void triggerAndWait_returnsWithTheFrame()
-    {
-        Bench bench;
-        bench.server.setDelay(Milliseconds(100));
-        LogCapture log;
-        bench.source->triggerAndWaitForFrame(true);
-        QCOMPARE(bench.ready.load(), 1);
-        QVERIFY(log.lines().first().endsWith("triggerAndWaitForFrame(bool) Live mode is on: false"));
-        QVERIFY(!log.contains(kTimeout));
-    }
-
-    void triggerAndWait_withoutTrigger_waitsOneSecond()
-    {
-        Bench bench;
-        LogCapture log;
-        QElapsedTimer timer;
-        timer.start();
-        bench.source->triggerAndWaitForFrame(false);
-        QVERIFY(timer.elapsed() >= 990);
-        QVERIFY(timer.elapsed() < 4500);
-        QVERIFY(log.contains(kTimeout));
-        QCOMPARE(bench.triggers(), 0);
-    }
-
-    void triggerAndWait_lostFrame_waitsFiveSeconds()
-    {
-        Bench bench;
-        bench.server.script({ { Shot::Lost, Milliseconds(0), {} } });
-        LogCapture log;
-        QElapsedTimer timer;
-        timer.start();
-        bench.source->triggerAndWaitForFrame(true);
-        QVERIFY(timer.elapsed() >= 4990);
-        QVERIFY(timer.elapsed() < 20000);
-        QVERIFY(log.contains(kTimeout));
-        QCOMPARE(bench.triggers(), 1);
-    }
-
-    void triggerAndWait_inLiveMode_returnsAtOnce()
-    {
-        Bench bench;
-        bench.server.setDelay(Milliseconds(60000));
-        bench.source->setAutoTriggeringMode(true);
-        LogCapture log;
-        QElapsedTimer timer;
-        timer.start();
-        bench.source->triggerAndWaitForFrame(true);
-        QVERIFY(timer.elapsed() < 900);
-        QVERIFY(log.contains("Live mode is on: true"));
-        QCOMPARE(bench.triggers(), 2);
-        QCOMPARE(bench.server.ignoredTriggers(), 1);
-    }
-
-    void lateFrame_isTakenWhenItComes()
-    {
-        Bench bench;
-        bench.server.script({ { Shot::Good, Milliseconds(600), {} } });
-        bench.source->slot_ExecuteSoftwareTrigger();
-        cv::Mat matrix;
-        QVERIFY(!bench.source->pushMatImage(matrix));
-        QTRY_COMPARE(bench.ready.load(), 1);
-        QVERIFY(bench.source->pushMatImage(matrix));
-    }
-
     void copies_whileFramesComeIn_areWholeFrames()
     {
-        Bench bench;
+        LiveSource bench;
         bench.server.setPicture([](int frame) { return greyPicture(frame % 256); });
         bench.source->setAutoTriggeringMode(true);
         QTRY_VERIFY(bench.ready >= 1);
@@ -454,7 +305,7 @@ private slots:
 
     void sourceDestroyedInLiveMode_endsCleanly()
     {
-        Bench bench;
+        LiveSource bench;
         bench.source->setAutoTriggeringMode(true);
         QTRY_VERIFY(bench.ready >= 2);
         bench.source.reset();
@@ -465,7 +316,7 @@ private slots:
 
     void readySignal_reachesTheGuiThreadQueued()
     {
-        Bench bench;
+        LiveSource bench;
         QThread* seenOn = nullptr;
         QObject receiver;
         QObject::connect(bench.source.get(), &FrameDelivery::sig_imgReady, &receiver,

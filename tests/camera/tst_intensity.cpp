@@ -10,15 +10,23 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cstdint>
 #include <cstring>
 #include <numeric>
 #include <vector>
 
 namespace {
 
+std::uint64_t bitsOf(double value)
+{
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return bits;
+}
+
 bool sameBits(double left, double right)
 {
-    return std::memcmp(&left, &right, sizeof(left)) == 0;
+    return bitsOf(left) == bitsOf(right);
 }
 
 /// Draws a bright rectangle, and moves the cursor to where the next one goes.

@@ -3,6 +3,7 @@
 #include "platform/camera_wire.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -41,6 +42,7 @@ public:
         Bytes pixels;
     };
 
+    static constexpr std::size_t kFrameBytes = 1228800;
     static constexpr char kDart[] = "daA1280-54um";
 
     /// A dart with a picture of 1280 by 960 grey values of 100.

@@ -13,10 +13,11 @@ void CSoftwareTriggerConfiguration::OnOpened(CInstantCamera& camera)
     if (!selector.IsValid() || !mode.IsValid() || !source.IsValid())
         return;
     // The frame start trigger comes last and stays selected.
-    for (double other = selector->GetMin(); other <= selector->GetMax(); other += 1.0) {
-        if (other == static_cast<double>(TriggerSelector_FrameStart))
+    const int last = static_cast<int>(selector->GetMax());
+    for (int other = static_cast<int>(selector->GetMin()); other <= last; ++other) {
+        if (other == TriggerSelector_FrameStart)
             continue;
-        selector->SetValue(other, true);
+        selector->SetValue(static_cast<double>(other), true);
         mode->SetValue(static_cast<double>(TriggerMode_Off), true);
     }
     selector->SetValue(static_cast<double>(TriggerSelector_FrameStart), true);

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "camera/BaslerCamera.h"
+#include "tests/platform/ScriptedCamera.h"
+
+/// Whether the library throws.
+template <typename Call> bool throws(Call&& call)
+{
+    try {
+        call();
+    } catch (const GenICam::GenericException&) {
+        return true;
+    }
+    return false;
+}
+
+/// A camera on a scripted device.
+struct CameraBench {
+    /// As the frame source does it, but without handlers.
+    void setUp(uint bits = 8)
+    {
+        camera.connect(nullptr, nullptr);
+        camera.open();
+        camera.initalize(1280, 960, bits, map);
+        server.forgetRequests();
+    }
+
+    ScriptedCamera server;
+    BaslerCamera camera;
+    DeviceNodeMap map;
+};

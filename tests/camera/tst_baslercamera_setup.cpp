@@ -1,0 +1,170 @@
+#include "tests/camera/CameraBench.h"
+#include "tests/support/LogCapture.h"
+
+#include <QTest>
+
+#include <limits>
+
+using Requests = std::vector<std::string>;
+
+/// The layer over the camera library: what a camera is told once.
+class tst_baslercamera_setup : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { Pylon::PylonInitialize(); }
+    void cleanupTestCase() { Pylon::PylonTerminate(); }
+
+    void initalize_writesInOrder_data()
+    {
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<uint>("bits");
+        QTest::addColumn<int>("family");
+        QTest::addColumn<bool>("centred");
+        QTest::addColumn<int>("pixelFormat");
+        QTest::newRow("dart") << "daA1280-54um" << 8U << 2 << false << 0;
+        QTest::newRow("dart, 16 bits") << "daA1280-54um" << 16U << 2 << false << 3;
+        QTest::newRow("dart, 12 bits count as 8") << "daA1280-54um" << 12U << 2 << false << 0;
+        QTest::newRow("ace") << "acA1300-200um" << 8U << 0 << true << 0;
+        QTest::newRow("ace in capitals") << "ACA1300-200UM" << 8U << 0 << true << 0;
+        QTest::newRow("pulse") << "puA1280-54um" << 8U << 1 << false << 0;
+    }
+    void initalize_writesInOrder()
+    {
+        QFETCH(QString, model);
+        QFETCH(uint, bits);
+        QFETCH(bool, centred);
+        QFETCH(int, pixelFormat);
+        CameraBench bench;
+        bench.server.setModel(model.toStdString());
+        bench.server.setFeature("CenterX", 0, 0, 1);
+        bench.server.setFeature("CenterY", 0, 0, 1);
+        bench.camera.connect(nullptr, nullptr);
+        bench.camera.open();
+        bench.server.forgetRequests();
+        bench.camera.initalize(1280, 960, bits, bench.map);
+
+        Requests expected { "Set ExposureAuto 0", "Set GainAuto 0", "Set Width 1280", "Set Height 960" };
+        if (centred)
+            expected.insert(expected.end(), { "Set CenterX 1", "Set CenterY 1" });
+        const std::string format = "Set PixelFormat " + std::to_string(pixelFormat);
+        expected.insert(expected.end(), { format, "Set ReverseX 1", "Set ReverseY 0", "Set OverlapMode 1" });
+        QCOMPARE(bench.server.requests(), expected);
+        QTEST(bench.map.family, "family");
+        QCOMPARE(bench.map.modelName, model);
+    }
+
+    void initalize_readsTheFacts()
+    {
+        CameraBench bench;
+        bench.setUp();
+        QCOMPARE(bench.map.widthMin, 16);
+        QCOMPARE(bench.map.widthMax, 1280);
+        QCOMPARE(bench.map.width, 1280);
+        QCOMPARE(bench.map.heightMin, 16);
+        QCOMPARE(bench.map.heightMax, 960);
+        QCOMPARE(bench.map.height, 960);
+        QCOMPARE(bench.map.exposureMin, 20.0);
+        QCOMPARE(bench.map.exposureMax, 1000000.0);
+        QCOMPARE(bench.map.gainMin, 0.0);
+        QCOMPARE(bench.map.gainMax, 24.0);
+        const DeviceNodeMap copy = bench.camera.device_node_map();
+        QCOMPARE(copy.modelName, QString("daA1280-54um"));
+        QCOMPARE(copy.exposureMax, 1000000.0);
+    }
+
+    void initalize_clampsTheSize()
+    {
+        CameraBench bench;
+        bench.server.setFeature("Width", 1000, 16, 1024);
+        bench.server.setFeature("Height", 1000, 1000, 2000);
+        bench.setUp();
+        QCOMPARE(bench.map.width, 1024);
+        QCOMPARE(bench.map.height, 1000);
+        QCOMPARE(bench.server.feature("Width"), 1024.0);
+        QCOMPARE(bench.server.feature("Height"), 1000.0);
+    }
+
+    void initalize_hugeRequest_isClamped()
+    {
+        CameraBench bench;
+        bench.camera.connect(nullptr, nullptr);
+        bench.camera.open();
+        bench.camera.initalize(std::numeric_limits<uint>::max(), 0, 8, bench.map);
+        QCOMPARE(bench.map.width, 1280);
+        QCOMPARE(bench.map.height, 16);
+    }
+
+    void initalize_unknownModel_leavesTheCameraAlone_data()
+    {
+        QTest::addColumn<QString>("model");
+        QTest::newRow("another family") << "boA4096-93cm";
+        QTest::newRow("one letter") << "d";
+        QTest::newRow("no name") << "";
+    }
+    void initalize_unknownModel_leavesTheCameraAlone()
+    {
+        QFETCH(QString, model);
+        CameraBench bench;
+        bench.server.setModel(model.toStdString());
+        bench.camera.connect(nullptr, nullptr);
+        bench.camera.open();
+        bench.server.forgetRequests();
+        bench.map.width = -7;
+        bench.map.modelName = "untouched";
+        bench.camera.initalize(1280, 960, 8, bench.map);
+        QCOMPARE(bench.server.requests(), Requests());
+        QCOMPARE(bench.map.width, -7);
+        QCOMPARE(bench.map.modelName, QString("untouched"));
+        QCOMPARE(bench.camera.device_node_map().family, 1);
+        QCOMPARE(bench.camera.device_node_map().modelName, model);
+    }
+
+    void unknownModel_exposureAndGainAreNotClamped()
+    {
+        CameraBench bench;
+        bench.server.setModel("boA4096-93cm");
+        bench.setUp();
+        LogCapture log;
+        bench.camera.setExposure(5000000.0F);
+        QCOMPARE(bench.server.feature("ExposureTime"), 10000.0);
+        QVERIFY(log.contains("Exception: BaslerCamera SetExposure failed"));
+        bench.camera.setExposure(500.0F);
+        QCOMPARE(bench.server.feature("ExposureTime"), 500.0);
+        bench.camera.setGain(7.5F);
+        QCOMPARE(bench.server.feature("Gain"), 7.5);
+    }
+
+    void initalize_missingNode_throws_data()
+    {
+        QTest::addColumn<QString>("node");
+        for (const char* const node : { "Width", "Height", "Gain", "ExposureTime", "OverlapMode" })
+            QTest::newRow(node) << node;
+    }
+    void initalize_missingNode_throws()
+    {
+        QFETCH(QString, node);
+        CameraBench bench;
+        bench.server.removeFeature(node.toStdString());
+        bench.camera.connect(nullptr, nullptr);
+        bench.camera.open();
+        QVERIFY(throws([&] { bench.camera.initalize(1280, 960, 8, bench.map); }));
+    }
+
+    void overlapMode_isWrittenForEveryFamily()
+    {
+        // An ace without it is refused as any other.
+        CameraBench bench;
+        bench.server.setModel("acA1300-200um");
+        bench.server.setFeature("CenterX", 0, 0, 1);
+        bench.server.setFeature("CenterY", 0, 0, 1);
+        bench.server.removeFeature("OverlapMode");
+        bench.camera.connect(nullptr, nullptr);
+        bench.camera.open();
+        QVERIFY(throws([&] { bench.camera.initalize(1280, 960, 8, bench.map); }));
+        QCOMPARE(bench.server.requests().back(), std::string("Set ReverseY 0"));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_baslercamera_setup)
+#include "tst_baslercamera_setup.moc"
