@@ -51,7 +51,8 @@ class WholeCase(unittest.TestCase):
                 room.launch("app/VerifierQR9")
                 yield room, Technician(room)
             except BaseException:
-                print(f"evidence: {room.keep(tempfile.mkdtemp(prefix='qr9-failed.'))}", file=sys.stderr)
+                place = tempfile.mkdtemp(prefix=f"qr9-failed.{self._testMethodName}.")
+                print(f"evidence: {room.keep(place)}", file=sys.stderr)
                 raise
 
     def leave(self, room, hand):

@@ -62,6 +62,8 @@ def _environment(options, screen):
         "HOME": "/root",
         "DISPLAY": screen.name if screen else os.environ["DISPLAY"],
         "QT_QPA_PLATFORM": "xcb",
+        # The screen has no GL, and the system's GL libraries leak what they open.
+        "QT_XCB_GL_INTEGRATION": "none",
         "QT_FORCE_STDERR_LOGGING": "1",
         "XDG_RUNTIME_DIR": "/run/user",
         "LANG": "C.UTF-8",

@@ -45,7 +45,8 @@ def _run(arguments):
             print(f"room: the program did not end within {arguments.timeout:g} s", file=sys.stderr)
             code = TIMED_OUT
         if arguments.keep or code != 0:
-            place = room.keep(arguments.keep or tempfile.mkdtemp(prefix="qr9-failed."))
+            name = Path(arguments.program).name
+            place = room.keep(arguments.keep or tempfile.mkdtemp(prefix=f"qr9-failed.{name}."))
             print(f"room: log, transcript and screenshot are kept in {place}", file=sys.stderr)
         return code
 
