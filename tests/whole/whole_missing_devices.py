@@ -41,7 +41,7 @@ class MissingDevices(WholeCase):
 
     def test_noCamera_threeBoxesAndTheBoardIsStillLeftInOrder(self):
         with self.program_in_room(camera="none") as (room, hand):
-            # The view misses the camera before there is a window; the connection misses it, and then its frames.
+            # The view misses the camera before there is a window; the connection misses it, then its frames.
             hand.acknowledge("Error", PATIENCE)
             hand.wait_window(PATIENCE)
             hand.acknowledge("Error", PATIENCE)

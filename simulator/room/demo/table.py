@@ -38,7 +38,8 @@ class Table:
         lines = [HEADINGS, *self._rows]
         widths = [max(len(line[column]) for line in lines) for column in range(len(HEADINGS))]
         rule = "-+-".join("-" * width for width in widths)
-        drawn = [" | ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() for line in lines]
+        cells = [[cell.ljust(width) for cell, width in zip(line, widths)] for line in lines]
+        drawn = [" | ".join(line).rstrip() for line in cells]
         return "\n".join([drawn[0], rule, *drawn[1:]])
 
     def _add(self, what, true, found, allowed, good):

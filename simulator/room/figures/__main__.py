@@ -20,6 +20,7 @@ from qr9room.room import Room  # noqa: E402
 from qr9room.technician import Technician  # noqa: E402
 
 PROGRAM = "app/VerifierQR9"
+VIEW = "BASLER_VIDEO_WIDGET"
 EXPOSURE = 10  # ms, of the settings file below
 SETTLING = 50  # ms beyond the exposure that the program waits on purpose before each frame of a walk
 WATCHED = 5.0  # seconds of live view
@@ -66,7 +67,7 @@ def _measure(room):
     room.instrument.ask("set", key="slide", value="2ch")
     room.instrument.ask("set", key="x", value=field["x"])
     room.instrument.ask("set", key="z", value=round(field["bf"]))
-    room.wait_for("a picture in the live view", lambda: not hand.picture_of("BASLER_VIDEO_WIDGET").is_black(), 10)
+    room.wait_for("a picture in the live view", lambda: not hand.picture_of(VIEW).is_black(), 10)
     yield f"live view at {EXPOSURE} ms exposure", _frames_per_second(room, hand), "frames/s", 25, None
 
     hand.open_page("TAB_STAGE")
@@ -79,7 +80,7 @@ def _measure(room):
 
 def _frames_per_second(room, hand):
     """Counts the changes of a strip of the live view."""
-    place = hand.form.place("BASLER_VIDEO_WIDGET")
+    place = hand.form.place(VIEW)
     with open(room.rig / "screen" / "Xvfb_screen0", "rb") as file:
         with mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ) as screen:
             x, y = place.centre

@@ -46,7 +46,7 @@ def command(rig, options, screen, ports, program):
     if screen:
         words += ["--unshare-net", "--ro-bind", screen.socket, screen.socket]
     else:
-        words += ["--ro-bind", "/tmp/.X11-unix", "/tmp/.X11-unix"]
+        words += ["--ro-bind-try", "/tmp/.X11-unix", "/tmp/.X11-unix"]
         authority = Path(os.environ.get("XAUTHORITY", Path.home() / ".Xauthority"))
         if authority.exists():
             words += ["--ro-bind", authority, "/run/user/Xauthority"]

@@ -79,9 +79,9 @@ def _parse(words):
     run = commands.add_parser(
         "run",
         help="run a program in a room",
-        description="Runs a program in a room of its own and passes its exit code on. Exit code 77: no room can be "
-        "had here; 124: --timeout; 125: the room itself failed. The log, the board's transcript and a screenshot "
-        "of a failed run are kept, and their place is printed.",
+        description="Runs a program in a room of its own and passes its exit code on. Exit code 77: no room "
+        "can be had here; 124: --timeout; 125: the room itself failed. The log, the board's transcript and a "
+        "screenshot of a failed run are kept, and their place is printed.",
     )
     run.set_defaults(run=_run)
     run.add_argument("--build", type=Path, default=REPOSITORY / "build/dev", metavar="DIR",
@@ -104,6 +104,7 @@ def _parse(words):
                      help="one more argument of VirtualInstrument")
     run.add_argument("--keep", type=Path, metavar="DIR", help="keep the evidence there, also of a good run")
     run.add_argument("--timeout", type=float, metavar="SECONDS", help="end the program after this time")
-    run.add_argument("program", metavar="PROGRAM", help="below the build folder, or an absolute path in the room")
+    run.add_argument("program", metavar="PROGRAM",
+                     help="below the build folder, or an absolute path in the room")
     run.add_argument("arguments", nargs=argparse.REMAINDER, metavar="ARGS")
     return parser.parse_args(words)

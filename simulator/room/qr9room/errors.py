@@ -2,7 +2,7 @@
 
 
 class RoomError(Exception):
-    """The room could not be built or did not do what was asked of it; the text is for the person at the desk."""
+    """The room could not be built or did not do what was asked; the text is for the person at the desk."""
 
 
 class NoRooms(RoomError):

@@ -66,7 +66,7 @@ class Room:
             self._folder = None
 
     def move_rig(self, place):
-        """Ends everything and moves the rig folder to `place`, without its sockets, instead of removing it."""
+        """Ends everything and moves the rig folder to `place`, without its sockets."""
         self._end_parts()
         for socket in self.rig.glob("*.sock"):
             socket.unlink()
@@ -109,7 +109,7 @@ class Room:
         return wait_for(what, probe, limit, self.program.must_run)
 
     def wait_log(self, text, limit, begin=0):
-        """Waits until the program's log holds `text` from position `begin` on; returns the position behind it."""
+        """Waits until the log holds `text` from position `begin` on; returns the position behind it."""
         def behind():
             at = self.program.log().find(text, begin)
             return at + len(text) if at >= 0 else None
