@@ -53,8 +53,11 @@ QStringList MountTable::mountPointsOf(const QString& device) const
 
 bool MountTable::contains(const QString& deviceOrMountPoint) const
 {
+    // A device file can itself be a mount point, where a container has bound it; that is no mount of the
+    // device.
+    const bool isDevice = deviceOrMountPoint.startsWith("/dev/");
     return std::any_of(m_mounts.begin(), m_mounts.end(), [&](const Mount& mount) {
-        return mount.device == deviceOrMountPoint || mount.mountPoint == deviceOrMountPoint;
+        return deviceOrMountPoint == (isDevice ? mount.device : mount.mountPoint);
     });
 }
 

@@ -422,6 +422,7 @@ void tst_MediaMonitor::isMounted_wantsTheWholeName()
 {
     const MediaMonitor monitor;
     m_shelf->addMtabLine("/dev/sdb10 /media/MY\\040STICK\\0402 vfat rw 0 0");
+    m_shelf->addMtabLine("udev /dev/sdb1 devtmpfs rw 0 0"); // a device file that is bound there
     QVERIFY(monitor.isMounted("/dev/sdb10"));
     QVERIFY(monitor.isMounted("/media/MY STICK 2"));
     QVERIFY(!monitor.isMounted("/dev/sdb1"));

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QTest>
 
 #include <memory>
@@ -37,6 +38,7 @@ private slots:
     void linksInStaleFolders_areNotFollowed();
     void mountThatIsNotOurs_keepsItsContent();
     void mountBelowAStaleFolder_keepsItsContent();
+    void folderOfTheSameDiskMountedInMedia_keepsItsContent();
     void mountPointThatBeginsAnother_isTakenForWhatItIs();
     void unreadableListOfMounts_leavesEverything();
     void listOfMountsWithoutAMountedStick_keepsItsContent();
@@ -150,6 +152,17 @@ void tst_MediaMonitor_safety::mountBelowAStaleFolder_keepsItsContent()
     writeFile("/media/user/STICK/file", pixels);
     monitor.release();
     QCOMPARE(textOf("/media/user/STICK/file"), pixels);
+}
+
+void tst_MediaMonitor_safety::folderOfTheSameDiskMountedInMedia_keepsItsContent()
+{
+    MediaMonitor monitor;
+    QVERIFY(QDir("/media").mkdir("share"));
+    QCOMPARE(QProcess::execute("/usr/bin/mount", { "--bind", "/outside/folder", "/media/share" }), 0);
+    m_shelf->addMtabLine("/dev/nvme0n1p2 /media/share ext4 rw 0 0");
+    monitor.release();
+    QCOMPARE(textOf("/media/share/file"), pixels);
+    QCOMPARE(QProcess::execute("/usr/bin/umount", { "/media/share" }), 0);
 }
 
 void tst_MediaMonitor_safety::mountPointThatBeginsAnother_isTakenForWhatItIs()
