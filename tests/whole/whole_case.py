@@ -7,7 +7,8 @@ import unittest
 from contextlib import contextmanager
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "simulator/room"))
+ROOM = Path(__file__).resolve().parents[2] / "simulator/room/room"  # the launcher
+sys.path.insert(0, str(ROOM.parent))
 
 from qr9room import bubble  # noqa: E402  (the path is set above)
 from qr9room.errors import NoRooms  # noqa: E402
@@ -15,6 +16,7 @@ from qr9room.inifile import read_ini  # noqa: E402, F401  (for the tests)
 from qr9room.options import Options  # noqa: E402
 from qr9room.room import Room  # noqa: E402
 from qr9room.technician import Technician  # noqa: E402
+from qr9room.waiting import wait_for  # noqa: E402, F401  (for the tests)
 
 SKIPPED = 77
 PATIENCE = 60  # seconds for what usually takes one or two

@@ -1,6 +1,7 @@
 """What the phases of a demonstration share."""
 
 from dataclasses import dataclass, field
+from pathlib import Path
 
 from qr9room.inifile import read_ini
 from qr9room.room import Room
@@ -16,7 +17,7 @@ class Day:
     room: Room
     hand: Technician
     truth: dict  # the unit's true constants
-    out: object  # folder for what is to be kept, a Path
+    out: Path  # folder for what is to be kept
     table: Table = field(default_factory=Table)
     pictures: int = 0
 

@@ -19,7 +19,8 @@ TIMED_OUT = 124
 def main():
     arguments = _parse(sys.argv[1:])
     # A stopped launcher tidies up like any other.
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(128 + signal.SIGTERM))
+    for request in (signal.SIGTERM, signal.SIGHUP):
+        signal.signal(request, lambda number, _: sys.exit(128 + number))
     try:
         return arguments.run(arguments)
     except NoRooms as reason:
