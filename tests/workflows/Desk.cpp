@@ -1,6 +1,7 @@
 #include "tests/workflows/Desk.h"
 
 #include "camera/framedelivery.h"
+#include "link/Controller.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,6 +10,8 @@
 namespace {
 
 const QString kSettingsFile = "/root/TAVO_QR9/TAVO_QR9.ini";
+/// No unit has a fourth LED: the board ignores the line.
+const QString kNoEffect = "$A#LED OFF4";
 
 } // namespace
 
@@ -60,6 +63,28 @@ bool Desk::connectUnit()
 {
     open();
     return waitForConnection() && isEnabled("tabWidget_CONTROLLER") && boxes.boxes().isEmpty();
+}
+
+/// A line of no effect goes out behind all others and is waited for.
+bool Desk::flush()
+{
+    const int before = rig.mark();
+    m_window->findChild<Controller*>()->write_command(kNoEffect + "\n");
+    return rig.waitForSent(kNoEffect, before);
+}
+
+int Desk::mark()
+{
+    return flush() ? rig.mark() : -1;
+}
+
+QStringList Desk::linesSince(int mark)
+{
+    if (!flush())
+        return { "the board is out of reach" };
+    QStringList lines = rig.sentSince(mark);
+    lines.removeAll(kNoEffect);
+    return lines;
 }
 
 void Desk::close()

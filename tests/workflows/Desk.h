@@ -37,6 +37,11 @@ public:
     /// Ends the window as `main` does.
     void close();
 
+    /// A mark of the transcript behind all that the window has sent so far, on the wire or not yet.
+    int mark();
+    /// All that the board was sent from a mark on, with nothing still under way.
+    QStringList linesSince(int mark);
+
     MainWindow& window() { return *m_window; }
 
     template <typename T = QWidget> T* widget(const char* name) { return hand::find<T>(*m_window, name); }
@@ -54,6 +59,8 @@ public:
     MessageBoxWatcher boxes;
 
 private:
+    bool flush();
+
     std::unique_ptr<MainWindow> m_window;
 };
 

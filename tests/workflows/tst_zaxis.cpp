@@ -1,0 +1,418 @@
+#include "tests/workflows/Desk.h"
+
+#include <QPushButton>
+#include <QSpinBox>
+
+/// The manual controls of the focus axis, each as the board sees it and as the screen shows it.
+class tst_zaxis : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void commands_sendTheFieldAsTyped_data();
+    void commands_sendTheFieldAsTyped();
+    void absolute_sendsTheNumberInTheField_data();
+    void absolute_sendsTheNumberInTheField();
+    void absolute_isBusyUntilItsReply();
+    void reference_isBusyUntilItsReply();
+    void absoluteWhileReferenceIsUnderWay_bothReturnAtTheFirstReply();
+    void secondClickWhileTheStageMoves_sendsNothing();
+    void lostReply_leavesTheButtonUntilTheNextOfItsKind();
+    void doubledReply_changesNothingMore();
+    void position_isAskedForAndShown();
+    void stepDown_setsTheDirectionAndRuns();
+    void stepUp_setsTheDirectionAndRuns();
+    void stepSize_isTheOneLastSent();
+    void heldStepButton_movesOnce();
+    void lostReplyOfAStep_leavesTheButtonUntilTheNextStep();
+    void heldBottomOrTop_runsUntilReleased_data();
+    void heldBottomOrTop_runsUntilReleased();
+    void stop_asksForThePosition();
+    void silentBoard_queuedCommandsDoNotHoldTheWindow();
+    void offset_isStoredAndNothingIsSent_data();
+    void offset_isStoredAndNothingIsSent();
+    void moveTypedAtTheConsole_leavesThePositionShown();
+
+private:
+    QString position() { return m_desk->text("lineEdit_POSITION_Z"); }
+    int trueZ() { return m_desk->rig.state().value("z").toInt(); }
+    bool click(const char* button) { return hand::click(m_desk->window(), button); }
+    bool becomesEnabled(const char* button)
+    {
+        return patience::waitFor([&] { return m_desk->isEnabled(button); });
+    }
+
+    std::unique_ptr<Desk> m_desk;
+};
+
+void tst_zaxis::initTestCase()
+{
+    Desk::removeSettings();
+    m_desk.reset(new Desk);
+    QVERIFY(m_desk->connectUnit());
+}
+
+void tst_zaxis::init()
+{
+    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_STAGE"));
+    QVERIFY(m_desk->rig.set("z", 32000));
+}
+
+void tst_zaxis::cleanup()
+{
+    m_desk->rig.clearFaults();
+    m_desk->rig.set("quick", true);
+    QVERIFY(m_desk->boxes.boxes().isEmpty()); // the panel has no message at all
+}
+
+void tst_zaxis::cleanupTestCase()
+{
+    m_desk.reset();
+}
+
+void tst_zaxis::commands_sendTheFieldAsTyped_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("line");
+    const auto rows = [](const char* name, const QString& field, const QString& command) {
+        const auto row = [&](const char* kind, const QString& typed) {
+            QTest::addRow("%s, %s", name, kind) << name << field << typed << command + " " + typed;
+        };
+        row("number", "230");
+        row("empty", "");
+        row("letter", "x7");
+        row("sign and fraction", "-1.5");
+        row("blanks", " 5 ");
+        row("a dollar", "1$Z#STAGE TOP");
+        row("over-long", QString(200, '9'));
+    };
+    rows("pushButton_STEP_Z", "lineEdit_STEP_Z", "$Z#STAGE STEP");
+    rows("pushButton_SPEED_Z", "lineEdit_SPEED_Z", "$Z#STAGE SPEED");
+}
+
+void tst_zaxis::commands_sendTheFieldAsTyped()
+{
+    QFETCH(QString, button);
+    QFETCH(QString, field);
+    QFETCH(QString, typed);
+    QFETCH(QString, line);
+    QVERIFY(hand::type(m_desk->window(), field, typed));
+    const int mark = m_desk->mark();
+    QVERIFY(hand::click(m_desk->window(), button));
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ line }));
+    QVERIFY(m_desk->window().findChild<QPushButton*>(button)->isEnabled());
+}
+
+void tst_zaxis::absolute_sendsTheNumberInTheField_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("number");
+    QTest::newRow("number") << "31000"
+                            << "31000";
+    QTest::newRow("empty") << ""
+                           << "0";
+    QTest::newRow("letters") << "abc"
+                             << "0";
+    QTest::newRow("number and letters") << "12a"
+                                        << "0";
+    QTest::newRow("negative") << "-5"
+                              << "-5";
+    QTest::newRow("beyond 32 bits") << "99999999999"
+                                    << "0";
+    QTest::newRow("over-long") << QString(300, '7') << "0";
+}
+
+void tst_zaxis::absolute_sendsTheNumberInTheField()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, number);
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_ABS_Z", typed));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_ABS_Z"));
+    QVERIFY(becomesEnabled("pushButton_ABS_Z"));
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE ABS " + number }));
+    QCOMPARE(position(), number); // what was asked for, wherever the stage could get to
+}
+
+void tst_zaxis::absolute_isBusyUntilItsReply()
+{
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_ABS_Z", "31000"));
+    QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("[Z] ABS"));
+    QVERIFY(click("pushButton_ABS_Z"));
+    QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("~~~"));
+    QVERIFY(!m_desk->isEnabled("pushButton_ABS_Z"));
+    QCOMPARE(m_desk->text("pushButton_REFERENCE_Z"), QString("[Z] Ref"));
+    QVERIFY(m_desk->isEnabled("pushButton_REFERENCE_Z"));
+    QVERIFY(becomesEnabled("pushButton_ABS_Z"));
+    QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("[Z] ABS"));
+    QCOMPARE(trueZ(), 31000);
+}
+
+void tst_zaxis::reference_isBusyUntilItsReply()
+{
+    QVERIFY(m_desk->rig.set("z", 100));
+    QCOMPARE(m_desk->text("lineEdit_REFERENCE_Z"), QString("32000"));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_REFERENCE_Z"));
+    QCOMPARE(m_desk->text("pushButton_REFERENCE_Z"), QString("~~~"));
+    QVERIFY(!m_desk->isEnabled("pushButton_REFERENCE_Z"));
+    QVERIFY(m_desk->isEnabled("pushButton_ABS_Z"));
+    QVERIFY(becomesEnabled("pushButton_REFERENCE_Z"));
+    QCOMPARE(m_desk->text("pushButton_REFERENCE_Z"), QString("[Z] Ref"));
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE ABS 32000" }));
+    QCOMPARE(position(), QString("32000"));
+    QCOMPARE(trueZ(), 32000);
+}
+
+void tst_zaxis::absoluteWhileReferenceIsUnderWay_bothReturnAtTheFirstReply()
+{
+    // The two replies are alike, and both show the target of the later press.
+    QVERIFY(m_desk->rig.fault("late", "$Z#STAGE ABS 31500", 1, 400));
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_ABS_Z", "31500"));
+    QVERIFY(click("pushButton_REFERENCE_Z"));
+    QVERIFY(click("pushButton_ABS_Z"));
+    QCOMPARE(m_desk->text("pushButton_REFERENCE_Z"), QString("~~~"));
+    QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("~~~"));
+    QVERIFY(becomesEnabled("pushButton_REFERENCE_Z"));
+    QVERIFY(m_desk->isEnabled("pushButton_ABS_Z"));
+    QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("[Z] ABS"));
+    QCOMPARE(m_desk->text("pushButton_REFERENCE_Z"), QString("[Z] Ref"));
+    QCOMPARE(position(), QString("31500"));
+    const int logMark = m_desk->log.mark();
+    QVERIFY(m_desk->log.waitForLine("$OK#Z#STAGE ABS 31500", 5000, logMark));
+}
+
+void tst_zaxis::secondClickWhileTheStageMoves_sendsNothing()
+{
+    QVERIFY(m_desk->rig.fault("late", "$Z#STAGE", 2, 200));
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_ABS_Z", "31800"));
+    int mark = m_desk->mark();
+    QVERIFY(click("pushButton_ABS_Z"));
+    QTest::mouseClick(m_desk->widget("pushButton_ABS_Z"), Qt::LeftButton);
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE ABS 31800" }));
+    QVERIFY(becomesEnabled("pushButton_ABS_Z"));
+
+    m_desk->rig.clearFaults();
+    QVERIFY(m_desk->rig.fault("late", "$Z#STAGE RUN", 1, 200));
+    mark = m_desk->mark();
+    QVERIFY(click("pushButton_MVN_Z"));
+    QTest::mouseClick(m_desk->widget("pushButton_MVN_Z"), Qt::LeftButton);
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE DIR MINUS", "$Z#STAGE RUN" }));
+    QVERIFY(becomesEnabled("pushButton_MVN_Z"));
+}
+
+void tst_zaxis::lostReply_leavesTheButtonUntilTheNextOfItsKind()
+{
+    QVERIFY(m_desk->rig.fault("lose", "$Z#STAGE ABS 31700"));
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_ABS_Z", "31700"));
+    QVERIFY(click("pushButton_ABS_Z"));
+    // Another reply of the axis does not bring it back.
+    QVERIFY(click("pushButton_POSITION_Z"));
+    QVERIFY(patience::waitFor([this] { return position() == "31700"; }));
+    QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("~~~"));
+    QVERIFY(!m_desk->isEnabled("pushButton_ABS_Z"));
+    QVERIFY(click("pushButton_REFERENCE_Z"));
+    QVERIFY(becomesEnabled("pushButton_ABS_Z"));
+    QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("[Z] ABS"));
+}
+
+void tst_zaxis::doubledReply_changesNothingMore()
+{
+    QVERIFY(m_desk->rig.fault("double", "$Z#STAGE", 2));
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_ABS_Z", "31600"));
+    QVERIFY(click("pushButton_ABS_Z"));
+    QVERIFY(becomesEnabled("pushButton_ABS_Z"));
+    QCOMPARE(position(), QString("31600"));
+    QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("[Z] ABS"));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_POSITION_Z"));
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE POS" }));
+    QCOMPARE(trueZ(), 31600);
+}
+
+void tst_zaxis::position_isAskedForAndShown()
+{
+    QVERIFY(m_desk->rig.set("z", 30123));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_POSITION_Z"));
+    QVERIFY(patience::waitFor([this] { return position() == "30123"; }));
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE POS" }));
+}
+
+void tst_zaxis::stepDown_setsTheDirectionAndRuns()
+{
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_STEP_Z", "115"));
+    QVERIFY(click("pushButton_STEP_Z"));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_MVN_Z"));
+    QVERIFY(!m_desk->isEnabled("pushButton_MVN_Z"));
+    QVERIFY(m_desk->isEnabled("pushButton_MVP_Z")); // the pressed button only
+    QVERIFY(becomesEnabled("pushButton_MVN_Z"));
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE DIR MINUS", "$Z#STAGE RUN" }));
+    QCOMPARE(position(), QString("31885"));
+    QCOMPARE(trueZ(), 31885);
+}
+
+void tst_zaxis::stepUp_setsTheDirectionAndRuns()
+{
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_STEP_Z", "115"));
+    QVERIFY(click("pushButton_STEP_Z"));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_MVP_Z"));
+    QVERIFY(!m_desk->isEnabled("pushButton_MVP_Z"));
+    QVERIFY(m_desk->isEnabled("pushButton_MVN_Z"));
+    QVERIFY(becomesEnabled("pushButton_MVP_Z"));
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE DIR PLUS", "$Z#STAGE RUN" }));
+    QCOMPARE(position(), QString("32115"));
+}
+
+void tst_zaxis::stepSize_isTheOneLastSent()
+{
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_STEP_Z", "40"));
+    QVERIFY(click("pushButton_STEP_Z"));
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_STEP_Z", "9999")); // typed and not sent
+    QVERIFY(click("pushButton_MVP_Z"));
+    QVERIFY(becomesEnabled("pushButton_MVP_Z"));
+    QCOMPARE(position(), QString("32040"));
+}
+
+void tst_zaxis::heldStepButton_movesOnce()
+{
+    for (const char* name : { "pushButton_MVN_Z", "pushButton_MVP_Z" }) {
+        auto* button = m_desk->widget<QPushButton>(name);
+        QVERIFY(button->autoRepeat());
+        const int mark = m_desk->mark();
+        QTest::mousePress(button, Qt::LeftButton);
+        QVERIFY(m_desk->rig.waitForSent("$Z#STAGE RUN", mark));
+        QVERIFY(becomesEnabled(name));
+        // Still held, and several intervals of the repetition long.
+        QTest::qWait(3 * button->autoRepeatInterval() + button->autoRepeatDelay());
+        QTest::mouseRelease(button, Qt::LeftButton);
+        QCOMPARE(m_desk->linesSince(mark).filter("RUN").size(), 1);
+    }
+}
+
+void tst_zaxis::lostReplyOfAStep_leavesTheButtonUntilTheNextStep()
+{
+    QVERIFY(m_desk->rig.fault("lose", "$Z#STAGE RUN"));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_MVN_Z"));
+    QCOMPARE(m_desk->linesSince(mark).last(), QString("$Z#STAGE RUN"));
+    QVERIFY(!m_desk->isEnabled("pushButton_MVN_Z"));
+    QVERIFY(click("pushButton_MVP_Z"));
+    QVERIFY(becomesEnabled("pushButton_MVN_Z"));
+    QVERIFY(m_desk->isEnabled("pushButton_MVP_Z"));
+}
+
+void tst_zaxis::heldBottomOrTop_runsUntilReleased_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("sign");
+    QTest::newRow("bottom") << "pushButton_RON_Z"
+                            << "$Z#STAGE BOTTOM" << -1;
+    QTest::newRow("top") << "pushButton_ROP_Z"
+                         << "$Z#STAGE TOP" << +1;
+}
+
+void tst_zaxis::heldBottomOrTop_runsUntilReleased()
+{
+    QFETCH(QString, button);
+    QFETCH(QString, line);
+    QFETCH(int, sign);
+    QVERIFY(m_desk->rig.set("quick", false));
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_SPEED_Z", "100"));
+    QVERIFY(click("pushButton_SPEED_Z"));
+    auto* widget = m_desk->window().findChild<QPushButton*>(button);
+    const int mark = m_desk->mark();
+    QTest::mousePress(widget, Qt::LeftButton);
+    // While it is held the stage runs, further than any step.
+    QVERIFY(patience::waitFor([&] { return sign * (trueZ() - 32000) > 1000; }));
+    QVERIFY(m_desk->rig.state().value("zMoving").toBool());
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ line }));
+    QTest::mouseRelease(widget, Qt::LeftButton);
+    QVERIFY(patience::waitFor([this] { return position() == QString::number(trueZ()); }));
+    QVERIFY(!m_desk->rig.state().value("zMoving").toBool());
+    QVERIFY(sign * (position().toInt() - 32000) > 1000);
+    QVERIFY(position().toInt() > 0 && position().toInt() < 65000);
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ line, "$Z#STAGE STOP", "$Z#STAGE POS" }));
+}
+
+void tst_zaxis::stop_asksForThePosition()
+{
+    QVERIFY(m_desk->rig.set("z", 29999));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_STOP_Z"));
+    QVERIFY(patience::waitFor([this] { return position() == "29999"; }));
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE STOP", "$Z#STAGE POS" }));
+}
+
+void tst_zaxis::silentBoard_queuedCommandsDoNotHoldTheWindow()
+{
+    QVERIFY(m_desk->rig.fault("silent"));
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_ABS_Z", "31000"));
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_ABS_Z"));
+    QVERIFY(click("pushButton_POSITION_Z"));
+    QVERIFY(click("pushButton_POSITION_Z"));
+    QVERIFY(click("pushButton_REFERENCE_Z"));
+    QCOMPARE(m_desk->linesSince(mark),
+        QStringList({ "$Z#STAGE ABS 31000", "$Z#STAGE POS", "$Z#STAGE POS", "$Z#STAGE ABS 32000" }));
+    QVERIFY(!m_desk->isEnabled("pushButton_ABS_Z"));
+    QVERIFY(!m_desk->isEnabled("pushButton_REFERENCE_Z"));
+    // The board speaks again: an answer of the kind brings both back.
+    m_desk->rig.clearFaults();
+    QVERIFY(m_desk->rig.say("$OK#Z#STAGE ABS 32000\r\n"));
+    QVERIFY(becomesEnabled("pushButton_ABS_Z"));
+    QVERIFY(m_desk->isEnabled("pushButton_REFERENCE_Z"));
+}
+
+void tst_zaxis::offset_isStoredAndNothingIsSent_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QByteArray>("stored");
+    QTest::newRow("number") << "7" << QByteArray("7");
+    QTest::newRow("negative") << "-3" << QByteArray("-3");
+    QTest::newRow("empty") << "" << QByteArray("0");
+    QTest::newRow("letters") << "three" << QByteArray("0");
+    QTest::newRow("leading zeros") << "007" << QByteArray("7");
+    QTest::newRow("over-long") << QString(300, '1') << QByteArray("0");
+}
+
+void tst_zaxis::offset_isStoredAndNothingIsSent()
+{
+    QFETCH(QString, typed);
+    QFETCH(QByteArray, stored);
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_OFFSET_Z", typed));
+    Desk::removeSettings();
+    const int mark = m_desk->mark();
+    QVERIFY(click("pushButton_OFFSET_Z"));
+    QCOMPARE(Desk::settings(), "[Calibration]\nZ offset=" + stored + "\n");
+    QCOMPARE(m_desk->linesSince(mark), QStringList());
+    QCOMPARE(m_desk->text("lineEdit_OFFSET_Z"), typed);
+}
+
+void tst_zaxis::moveTypedAtTheConsole_leavesThePositionShown()
+{
+    QVERIFY(click("pushButton_POSITION_Z"));
+    QVERIFY(patience::waitFor([this] { return position() == "32000"; }));
+    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_DEBUG"));
+    QVERIFY(hand::type(m_desk->window(), "lineEdit_SEND_CMD_CONTROLLER", "$Z#STAGE TOP"));
+    const int logMark = m_desk->log.mark();
+    QVERIFY(click("pushButton_SEND_CMD_CONTROLLER"));
+    QVERIFY(m_desk->log.waitForLine("$OK#Z#STAGE TOP", 5000, logMark));
+    QCOMPARE(position(), QString("32000"));
+    QVERIFY(trueZ() > 32000);
+    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_STAGE"));
+    QVERIFY(click("pushButton_POSITION_Z"));
+    QVERIFY(patience::waitFor([this] { return position() == QString::number(trueZ()); }));
+}
+
+WORKFLOW_MAIN(tst_zaxis)
+#include "tst_zaxis.moc"
