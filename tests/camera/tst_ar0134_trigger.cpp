@@ -130,6 +130,7 @@ private slots:
         m_camera->closeCamera();
         QCoreApplication::processEvents();
         QCOMPARE(m_board->count(Kind::Trigger), 0);
+        QVERIFY(errors().isEmpty());
         QCOMPARE(m_camera->state(), int(AR0134::STATE_CLOSED));
     }
 
