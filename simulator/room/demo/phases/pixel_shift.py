@@ -1,0 +1,118 @@
+"""The twelve-field run measures the shifts of the fluorescence channels; they are stored, zeroed and stored again."""
+
+import re
+
+TITLE = "Pixel shift"
+RUN_LIMIT = 240  # seconds, for twelve fields
+MOVE_LIMIT = 60
+FIELDS = 12
+ALLOWED = 0.25  # pixels
+CHANNELS = ("GFP X", "GFP Y", "RFP X", "RFP Y")
+
+
+def run(day):
+    _go_to_first_field(day)
+    _take_focus_as_reference(day)
+
+    day.hand.open_page("TAB_QC2")
+    begin = len(day.room.program.log())
+    first_line = len(day.room.board_lines())
+    day.hand.click("pushButton_PIXEL_SHIFT")
+    for field in range(1, FIELDS + 1):
+        day.room.wait_for(
+            f"field {field} of {FIELDS}", lambda: _log(day, begin).count("time.elapsed():") >= field, RUN_LIMIT)
+        print(f"{field}/{FIELDS}", end=" ", flush=True)
+    day.room.wait_window("Info", MOVE_LIMIT)
+    lines = day.room.board_lines()[first_line:]
+    day.hand.acknowledge("Info", 10)
+    day.screenshot("overlay-corrected")
+
+    found = _averages(day, begin)
+    for channel, true, value in zip(CHANNELS, _true_corrections(day), found):
+        day.table.near(f"pixel shift {channel}", true, value, ALLOWED, "px", digits=2)
+    day.table.same("fields that end at their focus height", FIELDS, _fields_back_in_focus(lines))
+
+    day.hand.click("pushButton_PIXEL_SHIFT_SET")
+    _expect_stored(day, "stored by Set", found)
+    day.hand.click("pushButton_PIXEL_SHIFT_RESET")
+    _expect_stored(day, "stored by Reset", [0.0] * len(CHANNELS))
+    day.screenshot("overlay-uncorrected")
+
+    # The unit keeps what was measured.
+    for channel, value in zip(CHANNELS, found):
+        day.hand.enter(f"lineEdit_SHIFT_{channel.replace(' ', '_')}", f"{value:.2f}")
+    day.hand.click("pushButton_PIXEL_SHIFT_SET")
+    _expect_stored(day, "stored again", found)
+    day.hand.click("pushButton_PIXEL_SHIFT")
+    day.hand.wait_shown("BASLER_VIDEO_WIDGET", 10)
+
+
+def _go_to_first_field(day):
+    """The 2-channel slide in, its first field under the objective."""
+    instrument = day.room.instrument
+    day.hand.open_page("TAB_STAGE")
+    day.hand.click("pushButton_INSERT")
+    day.room.wait_for("the slide to be in", lambda: instrument.ask("state")["x"] == 0, MOVE_LIMIT)
+    start = int(day.setting("Start position", "2 Channel") or 30931)
+    day.hand.click("pushButton_FIELD_NEXT")
+    day.room.wait_for("the first field", lambda: instrument.ask("state")["x"] == start, MOVE_LIMIT)
+
+
+def _take_focus_as_reference(day):
+    """The fields behind the first are searched near the reference alone."""
+    day.hand.click("pushButton_AUTOFOCUS")
+    day.room.wait_window("Info", RUN_LIMIT)
+    day.hand.acknowledge("Info", 10)
+    day.hand.click("pushButton_REFERENCE_AUTOFOCUS_SET")
+    z = str(day.room.instrument.ask("state")["z"])
+    day.room.wait_for("the reference to be stored", lambda: day.setting("Calibration", "Z reference") == z, 10)
+
+
+def _log(day, begin):
+    return day.room.program.log()[begin:]
+
+
+def _averages(day, begin):
+    """The four values that the run shows."""
+    found = re.findall(r"avg\. pixel shift: (\S+) (\S+) (\S+) (\S+)", _log(day, begin))
+    return [float(value) for value in found[-1]]
+
+
+def _true_corrections(day):
+    """What must be measured: against the shift of the picture as the camera delivers it."""
+    truth = day.room.instrument.ask("inPicture")
+    return [-value for value in (*truth["gfpShift"], *truth["rfpShift"])]
+
+
+def _fields_back_in_focus(lines):
+    """How many of the fields go up for the fluorescence and back down by as much."""
+    heights = [int(re.search(r"\d+$", line).group()) for before, line in zip(lines, lines[1:])
+               if before == "$Z#STAGE POS" and line.startswith("$Z#STAGE ABS")]
+    focus = _heights_of_focus(lines)
+    pairs = zip(heights[0::2], heights[1::2], focus)
+    return sum(1 for up, down, best in pairs if up - down == 3 * 115 and down == best)
+
+
+def _heights_of_focus(lines):
+    """Where each search left the stage: one fine step below the target of its final approach."""
+    found = []
+    for at, line in enumerate(lines):
+        if line.startswith("$Z#STAGE ABS") and lines[at + 1] == "$Z#STAGE POS" \
+                and lines[at + 2].startswith("$Z#STAGE STEP"):
+            start = int(line.rsplit(" ", 1)[1])
+            step = int(lines[at + 2].rsplit(" ", 1)[1])
+            up = lines[at + 3].endswith("PLUS")
+            found.append(start + (step if up else -step) - 115)
+    return found
+
+
+def _expect_stored(day, what, values):
+    """A row on the four keys of the settings file, once they are there."""
+    expected = [f"{value:.2f}" for value in values]
+
+    def stored():
+        return [day.setting("Miscellaneous", f"Pixel shift {channel}") for channel in CHANNELS]
+    try:
+        day.room.wait_for(what, lambda: stored() == expected, 10)
+    finally:
+        day.table.same(what, " ".join(expected), " ".join(str(value) for value in stored()))
