@@ -66,6 +66,10 @@ function(qr9_room_test name)
     --timeout ${ARG_TIMEOUT} ${ARG_ROOM} -- ${program})
   set_tests_properties(${name} PROPERTIES LABELS "workflow;${ARG_LABELS}" TIMEOUT ${limit} SKIP_RETURN_CODE 77
     ENVIRONMENT "LC_ALL=C.UTF-8;${QR9_SANITIZER_ENVIRONMENT}")
+  if(QR9_SANITIZE)
+    # Slowed down, two rooms at a time leave the camera no time to follow the stage.
+    set_tests_properties(${name} PROPERTIES RUN_SERIAL ON)
+  endif()
 endfunction()
 
 # What the sanitizers are told at run time; a finding fails the test. The system's libraries keep some
