@@ -28,7 +28,7 @@ class Table:
 
     def failed(self, what, reason):
         """A row for something that did not come about."""
-        self._add(what, "", reason, "", False)
+        self._add(what, "", reason.splitlines()[0], "", False)
 
     def is_good(self):
         """Whether there are rows and none falls short."""

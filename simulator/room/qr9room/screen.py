@@ -100,7 +100,8 @@ class Screen:
         self._hand("mousemove", x, y, "click", 4 if up else 5)
 
     def type(self, text):
-        self._hand("type", "--delay", 20, text)
+        # Behind the two hyphens a text may begin with one.
+        self._hand("type", "--delay", 20, "--", text)
 
     def key(self, *names):
         """Presses keys by their X names, e.g. "Return", "ctrl+a"."""

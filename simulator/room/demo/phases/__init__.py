@@ -3,6 +3,6 @@
 A phase does what a technician would do, waits for the evidence, and adds its rows to the day's table.
 """
 
-from . import autofocus, connection, live_view, pixel_shift
+from . import autofocus, capture, connection, live_view, pixel_shift
 
-PHASES = [connection, live_view, autofocus, pixel_shift]
+PHASES = [connection, live_view, autofocus, pixel_shift, capture]
