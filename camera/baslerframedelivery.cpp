@@ -41,7 +41,8 @@ BaslerFrameDelivery::BaslerFrameDelivery(QObject* parent)
     FrameDelivery::m_pInstance = nullptr;
     try {
         initialize();
-    } catch (...) {
+    } catch (const GenICam::GenericException& exception) {
+        qDebug() << Q_FUNC_INFO << "Exception in Basler camera:" << exception.GetDescription();
         giveUpCamera(); // the library must not keep handlers of an object that never came to be
         throw;
     }

@@ -26,7 +26,8 @@ class BaslerFrameDelivery : public FrameDelivery,
 
 public:
     /// Attaches, opens and sets up the first camera on the bus. Throws GenICam::GenericException when a
-    /// camera is attached but cannot be set up; nothing is then left registered, and m_pInstance is null.
+    /// camera is attached but cannot be set up; the reason is logged, nothing is left registered, and
+    /// m_pInstance is null.
     explicit BaslerFrameDelivery(QObject* parent = nullptr);
     ~BaslerFrameDelivery() override;
 

@@ -55,8 +55,7 @@ CameraView::CameraView(QWidget* parent, int pseudoColorTableIndex)
     m_pseudoColorTableIndex = pseudoColorTableIndex;
     initializePseudoColorTable();
 
-    if (BaslerFrameDelivery::isCameraAttached()) {
-        new BaslerFrameDelivery(this);
+    if (BaslerFrameDelivery::isCameraAttached() && createBaslerSource()) {
         qDebug() << Q_FUNC_INFO << "!!! Basler Camera is Attached !!!";
         m_cameraType = CAMERA_BASLER;
     } else {
@@ -80,6 +79,17 @@ CameraView::CameraView(QWidget* parent, int pseudoColorTableIndex)
     m_bFitMode = true;
     m_bCrossLine = false;
     initialize();
+}
+
+bool CameraView::createBaslerSource()
+{
+    try {
+        new BaslerFrameDelivery(this);
+    } catch (...) { // the source has logged the reason and let go of the camera
+        qDebug() << Q_FUNC_INFO << "!!! Basler Camera cannot be used !!!";
+        return false;
+    }
+    return true;
 }
 
 CameraView::~CameraView()

@@ -65,6 +65,9 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
+    // False when the camera on the bus cannot be set up (another program has it, or it lacks a feature): it
+    // then counts as none, so that the window comes up and says so.
+    bool createBaslerSource();
     void limitOffsets();
 
     static CameraView* m_instance;

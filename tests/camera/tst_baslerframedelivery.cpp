@@ -162,6 +162,7 @@ private slots:
     {
         ScriptedCamera server;
         server.removeFeature("Gain");
+        const LogCapture log;
         bool thrown = false;
         try {
             const BaslerFrameDelivery source;
@@ -169,6 +170,9 @@ private slots:
             thrown = true;
         }
         QVERIFY(thrown);
+        // Nobody else tells the operator why there is no picture.
+        QVERIFY(
+            log.contains("BaslerFrameDelivery::BaslerFrameDelivery(QObject*) Exception in Basler camera:"));
         QCOMPARE(server.requests().back(), std::string("Close"));
         server.setFeature("Gain", 0.0, 0.0, 24.0);
         const BaslerFrameDelivery second; // the bus is free again

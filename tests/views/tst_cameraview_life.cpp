@@ -20,6 +20,7 @@ private slots:
     void init()
     {
         BaslerFrameDelivery::attached = false;
+        BaslerFrameDelivery::usable = true;
         Ar0134FrameDelivery::attached = false;
     }
 
@@ -84,6 +85,20 @@ private slots:
         QCOMPARE(view.cameraType(), 0);
         QVERIFY(FrameDelivery::m_pInstance == nullptr);
         QVERIFY(log.contains(CONSTRUCTOR + " !!! No camera is found !!!"));
+    }
+
+    void baslerCameraThatCannotBeSetUp_countsAsNone()
+    {
+        BaslerFrameDelivery::attached = true;
+        BaslerFrameDelivery::usable = false;
+        const LogCapture log;
+        MessageBoxWatcher boxes;
+        const CameraView view;
+        QCOMPARE(boxes.texts(), QStringList { "Check the CAMERA connection !" });
+        QCOMPARE(view.cameraType(), 0);
+        QVERIFY(FrameDelivery::m_pInstance == nullptr);
+        QVERIFY(log.contains("bool CameraView::createBaslerSource() !!! Basler Camera cannot be used !!!"));
+        QVERIFY(!log.contains("!!! Basler Camera is Attached !!!"));
     }
 
     void viewWithoutCamera_isEmptyAndCanBeUsed()

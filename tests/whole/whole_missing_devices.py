@@ -54,6 +54,16 @@ class MissingDevices(WholeCase):
             self.leave(room, hand)
             self.assertEqual(room.board_lines(), BRING_UP + WAY_OUT)
 
+    def test_cameraThatCannotBeSetUp_countsAsNone(self):
+        with self.program_in_room(instrument_arguments=["--missing-feature", "OverlapMode"]) as (room, hand):
+            hand.acknowledge("Error", PATIENCE)
+            hand.wait_window(PATIENCE)
+            hand.acknowledge("Error", PATIENCE)
+            hand.acknowledge("Error", PATIENCE)
+            self.assertNotIn(CONNECTED, room.program.log())
+            self.leave(room, hand)
+            self.assertEqual(room.board_lines(), BRING_UP + WAY_OUT)
+
     def test_missingResetProgram_startGoesOn(self):
         with self.program_in_room(reset_program=False) as (room, hand):
             hand.wait_window(10)
