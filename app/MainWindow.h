@@ -15,6 +15,7 @@
 
 #include <QMainWindow>
 #include <QString>
+#include <QStringList>
 
 #include <array>
 
@@ -422,7 +423,9 @@ private:
 
     // Identity, options and mirrors
 
-    void showSerialNumber();
+    /// Shows the stored serial number and returns its parts, which may be fewer than three, or longer than
+    /// what the fields take.
+    QStringList showSerialNumber();
     void applyMirrors();
 
     // Autofocus

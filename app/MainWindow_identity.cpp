@@ -20,13 +20,14 @@ void writeFlag(const char* group, const char* key, bool bYes)
 
 } // namespace
 
-void MainWindow::showSerialNumber()
+QStringList MainWindow::showSerialNumber()
 {
     const QStringList parts
         = QString::fromStdString(settings::read("TAVO-QR9", "Serial", "TV9-00-00000")).split("-");
     ui->lineEdit_SERIAL_MODEL->setText(parts.value(0));
     ui->lineEdit_SERIAL_PREFIX->setText(parts.value(1));
     ui->lineEdit_SERIAL_SUFFIX->setText(parts.value(2));
+    return parts;
 }
 
 void MainWindow::on_lineEdit_SERIAL_MODEL_textEdited(const QString& text)

@@ -43,9 +43,8 @@ void MainWindow::get_TAVO_QR9_ini()
         factor.field->setText(settings::formatReal("%.5f", value));
     }
 
-    showSerialNumber();
     // A "B" in the last part of the serial number marks a unit without fluorescence.
-    if (ui->lineEdit_SERIAL_SUFFIX->text().contains('B')) {
+    if (showSerialNumber().value(2).contains('B')) {
         ui->pushButton_ILLUMINATION_GFP->hide();
         ui->pushButton_ILLUMINATION_RFP->hide();
     }

@@ -17,6 +17,7 @@ private slots:
     void heightOfTheSlide_isTheStandbyPosition();
     void serialWithFewParts_doesNotCrash_data();
     void serialWithFewParts_doesNotCrash();
+    void serialWithB_hidesFluorescence_data();
     void serialWithB_hidesFluorescence();
     void options_areRecognisedBySubstring();
     void folderInPlaceOfTheFile_losesNothingAndComesUp();
@@ -215,9 +216,17 @@ void tst_bringup::serialWithFewParts_doesNotCrash()
     QTEST(desk.text("lineEdit_SERIAL_SUFFIX"), "suffix");
 }
 
+void tst_bringup::serialWithB_hidesFluorescence_data()
+{
+    QTest::addColumn<QByteArray>("serial");
+    QTest::newRow("first") << QByteArray("TV9-01-B0001");
+    QTest::newRow("behind what the field shows") << QByteArray("TV9-01-00001B");
+}
+
 void tst_bringup::serialWithB_hidesFluorescence()
 {
-    Desk::putSettings("[TAVO-QR9]\nSerial=TV9-01-B0001\n");
+    QFETCH(QByteArray, serial);
+    Desk::putSettings("[TAVO-QR9]\nSerial=" + serial + "\n");
     Desk desk;
     QVERIFY(desk.connectUnit());
     QVERIFY(!desk.isShown("pushButton_ILLUMINATION_GFP"));
