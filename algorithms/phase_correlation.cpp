@@ -133,10 +133,13 @@ PhaseCorrelation::PhaseCorrelation(const cv::Mat& reference)
     cv::dft(m_reference, m_reference, cv::DFT_REAL_OUTPUT);
 }
 
+PhaseCorrelation::Workspace PhaseCorrelation::makeWorkspace() const
+{
+    return makeSpectrumBuffer(m_reference.size());
+}
+
 PhaseShift PhaseCorrelation::correlate(const cv::Mat& image, int threshold, Workspace& workspace) const
 {
-    if (workspace.size() != m_reference.size())
-        workspace = makeSpectrumBuffer(m_reference.size());
     spectrum_kernels::binaryToFloat(image, threshold, workspace);
     cv::dft(workspace, workspace, cv::DFT_REAL_OUTPUT);
     spectrum_kernels::toNormalisedCrossPower(m_reference, workspace);

@@ -4,14 +4,11 @@
 #include <atomic>
 #include <cstddef>
 #include <future>
-#include <optional>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace {
-
-/// Two, as there are two channels: each thread takes a whole spectrum of memory.
-constexpr unsigned mostThreads = 2;
 
 /// One correlation that has to be computed.
 struct Measurement {
@@ -39,31 +36,62 @@ std::vector<std::size_t> pixelsAbove(const ShiftChannel& channel)
     return counts;
 }
 
-/// Takes measurements until none is left.
-void work(const PhaseCorrelation& correlation, const std::vector<Measurement>& measurements,
-    std::atomic<std::size_t>& next)
+/// Whether the two-level image of a threshold is that of the threshold before: the pixels above a higher one
+/// are among those above a lower one, so that as many are the same.
+bool isRepeated(const std::vector<std::size_t>& counts, std::size_t index)
 {
-    PhaseCorrelation::Workspace workspace;
-    for (std::size_t i = next++; i < measurements.size(); i = next++) {
-        const Measurement& measurement = measurements[i];
-        *measurement.result = correlation.correlate(
-            measurement.channel->image, measurement.channel->thresholds[measurement.index], workspace);
-    }
+    return index > 0 && counts[index] == counts[index - 1];
 }
 
-/// A second thread for the work, or none where the machine has one core or refuses another thread.
-std::optional<std::future<void>> startHelper(const PhaseCorrelation& correlation,
-    const std::vector<Measurement>& measurements, std::atomic<std::size_t>& next)
-{
-    if (std::min(std::thread::hardware_concurrency(), mostThreads) < 2 || measurements.size() < 2)
-        return std::nullopt;
-    try {
-        return std::async(std::launch::async,
-            [&correlation, &measurements, &next] { work(correlation, measurements, next); });
-    } catch (const std::system_error&) {
-        return std::nullopt;
+/// Measurements that the calling thread and a helper share: each takes the next that is left.
+class SharedWork {
+public:
+    SharedWork(const cv::Mat& reference, std::vector<Measurement> measurements)
+        : m_correlation(reference)
+        , m_measurements(std::move(measurements))
+    {
     }
-}
+
+    /// Returns when all is measured.
+    void run()
+    {
+        // All large memory is taken on this thread: one that ends leaves some of its own with the allocator.
+        PhaseCorrelation::Workspace own = m_correlation.makeWorkspace();
+        PhaseCorrelation::Workspace helpers;
+        std::future<void> helper;
+        if (std::thread::hardware_concurrency() >= 2 && m_measurements.size() >= 2) {
+            helpers = m_correlation.makeWorkspace();
+            helper = startHelper(helpers);
+        }
+        takeUntilNoneIsLeft(own);
+        if (helper.valid())
+            helper.get();
+    }
+
+private:
+    /// A second thread, as there are two channels; nothing where the system refuses one.
+    std::future<void> startHelper(PhaseCorrelation::Workspace& workspace)
+    {
+        try {
+            return std::async(std::launch::async, [this, &workspace] { takeUntilNoneIsLeft(workspace); });
+        } catch (const std::system_error&) {
+            return {};
+        }
+    }
+
+    void takeUntilNoneIsLeft(PhaseCorrelation::Workspace& workspace)
+    {
+        for (std::size_t i = m_next++; i < m_measurements.size(); i = m_next++) {
+            const Measurement& measurement = m_measurements[i];
+            *measurement.result = m_correlation.correlate(
+                measurement.channel->image, measurement.channel->thresholds[measurement.index], workspace);
+        }
+    }
+
+    const PhaseCorrelation m_correlation;
+    const std::vector<Measurement> m_measurements;
+    std::atomic<std::size_t> m_next { 0 };
+};
 
 } // namespace
 
@@ -74,26 +102,19 @@ std::array<ShiftResults, 2> measureShifts(
     std::array<std::vector<std::size_t>, 2> counts;
     std::vector<Measurement> measurements;
     for (std::size_t c = 0; c < channels.size(); ++c) {
-        const ShiftChannel& channel = channels[c];
-        results[c].resize(channel.thresholds.size());
-        counts[c] = pixelsAbove(channel);
-        for (std::size_t i = 0; i < channel.thresholds.size(); ++i) {
-            // The pixels above a higher threshold are among those above a lower one: as many are the same.
-            if (i == 0 || counts[c][i] != counts[c][i - 1])
-                measurements.push_back({ &channel, i, &results[c][i] });
+        results[c].resize(channels[c].thresholds.size());
+        counts[c] = pixelsAbove(channels[c]);
+        for (std::size_t i = 0; i < counts[c].size(); ++i) {
+            if (!isRepeated(counts[c], i))
+                measurements.push_back({ &channels[c], i, &results[c][i] });
         }
     }
 
-    const PhaseCorrelation correlation(reference);
-    std::atomic<std::size_t> next { 0 };
-    std::optional<std::future<void>> helper = startHelper(correlation, measurements, next);
-    work(correlation, measurements, next);
-    if (helper)
-        helper->get();
+    SharedWork(reference, std::move(measurements)).run();
 
     for (std::size_t c = 0; c < channels.size(); ++c) {
-        for (std::size_t i = 1; i < results[c].size(); ++i) {
-            if (counts[c][i] == counts[c][i - 1])
+        for (std::size_t i = 0; i < counts[c].size(); ++i) {
+            if (isRepeated(counts[c], i))
                 results[c][i] = results[c][i - 1];
         }
     }

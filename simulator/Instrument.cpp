@@ -7,13 +7,16 @@ Instrument::Instrument(const Unit& unit)
     , m_world(m_clock)
     , m_log(m_clock)
     , m_board(m_world, m_faults, m_log, unit.firmware.toLatin1())
-    , m_camera(m_world, m_faults, unit)
+    , m_camera(m_world, m_faults, m_cameraLog, unit)
 {
 }
 
 QString Instrument::open(const QString& folder, int silentPorts)
 {
     QString error = m_log.open(folder + "/board.log");
+    if (error.isEmpty()) {
+        error = m_cameraLog.open(folder + "/camera.log");
+    }
     if (error.isEmpty()) {
         error = m_board.open(silentPorts);
     }

@@ -6,6 +6,7 @@
 #include "simulator/World.h"
 #include "simulator/board/BoardLog.h"
 #include "simulator/board/BoardServer.h"
+#include "simulator/camera/CameraLog.h"
 #include "simulator/camera/CameraServer.h"
 
 #include <QJsonObject>
@@ -19,7 +20,7 @@ class Instrument {
 public:
     explicit Instrument(const Unit& unit);
 
-    /// Makes the serial ports, and the sockets and the board's log below `folder`.
+    /// Makes the serial ports, and the sockets and the logs below `folder`.
     /// \returns an empty text, or why not
     QString open(const QString& folder, int silentPorts);
 
@@ -45,6 +46,7 @@ private:
     Faults m_faults;
     BoardLog m_log;
     BoardServer m_board;
+    CameraLog m_cameraLog;
     CameraServer m_camera;
 };
 

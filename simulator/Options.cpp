@@ -66,7 +66,7 @@ QString parseOptions(const QStringList& arguments, Options& options)
         "The virtual instrument: controller board, camera and optics of one unit.");
     parser.addHelpOption();
     parser.addOptions({
-        { "rig", "Folder of camera.sock, control.sock and board.log.", "DIR" },
+        { "rig", "Folder of the sockets and logs.", "DIR" },
         { "seed", "The unit of this seed, the same one on every machine.", "N" },
         { "unit", "The unit of this file, in the form that --truth prints.", "FILE" },
         { "camera", "basler, arducam or none; default: the unit's own.", "KIND" },

@@ -74,9 +74,10 @@ int codeOf(wire::Error error)
 
 } // namespace
 
-CameraServer::CameraServer(World& world, Faults& faults, const Unit& unit, QObject* parent)
+CameraServer::CameraServer(World& world, Faults& faults, CameraLog& log, const Unit& unit, QObject* parent)
     : QObject(parent)
     , m_faults(faults)
+    , m_log(log)
     , m_unit(unit)
     , m_pModel(makeModel(unit))
     , m_shutter(world, unit.constants)
@@ -239,6 +240,7 @@ bool CameraServer::trigger()
         return false;
     }
     expose();
+    m_log.triggered(m_frame);
     return true;
 }
 
@@ -258,6 +260,7 @@ void CameraServer::deliver(const Picture& picture)
         const QString text = m_fate.failure->toString("The buffer was incompletely grabbed.");
         m_pOwner->sendFailedGrab(m_frame, text, m_fate.failure->toDouble());
     } else if (!m_fate.bLost) {
+        m_log.sent(m_frame);
         m_pOwner->sendPicture(m_frame, picture);
     }
     if (m_pOwner != nullptr && m_pModel->isRunningFreely()) {

@@ -4,6 +4,7 @@
 #include "simulator/Unit.h"
 #include "simulator/World.h"
 #include "simulator/camera/CameraClient.h"
+#include "simulator/camera/CameraLog.h"
 #include "simulator/camera/CameraModel.h"
 #include "simulator/camera/Shutter.h"
 #include "simulator/io/UnixListener.h"
@@ -26,7 +27,7 @@ class CameraServer : public QObject {
     Q_OBJECT
 
 public:
-    CameraServer(World& world, Faults& faults, const Unit& unit, QObject* parent = nullptr);
+    CameraServer(World& world, Faults& faults, CameraLog& log, const Unit& unit, QObject* parent = nullptr);
     ~CameraServer() override;
 
     /// \returns an empty text, or why the socket could not be made
@@ -67,6 +68,7 @@ private:
     void deliver(const Picture& picture);
 
     Faults& m_faults;
+    CameraLog& m_log;
     Unit m_unit;
     std::unique_ptr<CameraModel> m_pModel; ///< null: the unit has no camera
     Shutter m_shutter;

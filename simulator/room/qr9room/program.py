@@ -57,6 +57,18 @@ class Program:
         code = self._process.poll()
         return code if code is None or code >= 0 else 128 - code
 
+    def holds(self, process):
+        """Whether a process, by its number outside of the room, is one of the room's."""
+        while process > 1:
+            if process == self._first_process:
+                return True
+            try:
+                words = Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()
+            except OSError:
+                return False
+            process = int(words[1])
+        return False
+
     def must_run(self):
         """Raises RoomError when the program has ended."""
         if self.exit_code() is not None:
