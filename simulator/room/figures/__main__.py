@@ -1,7 +1,7 @@
 """The part of scripts/bench that needs the whole program: figures of the unchanged VerifierQR9 in a room.
 
-Measured from outside: the window's appearance and the changes of the picture on the screen, the transcripts of
-the board and the camera, and what the system tells about the process. `--only live` takes one of its parts.
+Measured from outside: how the window and the picture on the screen change, the transcripts of the board and
+the camera, and what the system tells about the process. `--only live` takes one of its parts.
 """
 
 import argparse
