@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+// clang-format off
 /// The wire of the camera socket, between a stand-in SDK (client, in the product's process) and the virtual
 /// instrument (server). It is the one thing that both sides share: plain records, no code.
 ///
@@ -24,6 +25,7 @@
 /// | StartStream   |                                          | code 0 or an Error; frames may come from now on  |
 /// | StopStream    |                                          | code 0; no frame comes after this reply          |
 /// | Trigger       |                                          | code 0 taken, code 1 ignored (one is under way)  |
+// clang-format on
 namespace qr9::wire {
 
 constexpr char kSocketPath[] = "/run/rig/camera.sock";
@@ -84,9 +86,9 @@ struct Device {
 };
 static_assert(sizeof(Device) == 128, "both ends must agree on the layout");
 
-/// One feature of an Open reply: a node of the camera with its limits. Texts (DeviceModelName) travel in `text`.
-/// Names and units are those of the camera: ExposureTime in microseconds, Gain in dB, Width and Height in
-/// pixels, flags 0 or 1, enumerations by their number.
+/// One feature of an Open reply: a node of the camera with its limits. Texts (DeviceModelName) travel in
+/// `text`. Names and units are those of the camera: ExposureTime in microseconds, Gain in dB, Width and
+/// Height in pixels, flags 0 or 1, enumerations by their number.
 struct Feature {
     char name[32] = {};
     double value = 0.0;
