@@ -5,6 +5,7 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QMap>
 #include <QProcess>
@@ -230,7 +231,7 @@ std::list<storage_t> MediaMonitor::devices() const
 float MediaMonitor::freeDiskSpace(QString path) const
 {
     struct statvfs disk { };
-    if (statvfs(qPrintable(path), &disk) != 0) {
+    if (statvfs(QFile::encodeName(path).constData(), &disk) != 0) {
         return 0.0F;
     }
     return static_cast<float>((quint64 { disk.f_frsize } * disk.f_bfree) >> 20U);
