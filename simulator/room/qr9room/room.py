@@ -123,7 +123,7 @@ class Room:
         """Copies what tells the story of the run into `folder`, which may exist. Returns it as a path."""
         folder = Path(folder)
         folder.mkdir(parents=True, exist_ok=True)
-        for name in ("program.log", "board.log", "instrument.log", "xvfb.log", "stubs.log"):
+        for name in ("program.log", "board.log", "camera.log", "instrument.log", "xvfb.log", "stubs.log"):
             if (self.rig / name).exists():
                 shutil.copyfile(self.rig / name, folder / name)
         for ini in self.home.glob("*.ini"):
