@@ -22,7 +22,7 @@ void writeFlag(const char* group, const char* key, bool bYes)
 
 QStringList MainWindow::showSerialNumber()
 {
-    const QStringList parts
+    QStringList parts
         = QString::fromStdString(settings::read("TAVO-QR9", "Serial", "TV9-00-00000")).split("-");
     ui->lineEdit_SERIAL_MODEL->setText(parts.value(0));
     ui->lineEdit_SERIAL_PREFIX->setText(parts.value(1));

@@ -19,7 +19,7 @@ QString readMainApplicationMetadata()
     QProcess readelf;
     readelf.start("readelf", { "-p", "ZR_META", "TAVO_QR9.app" });
     readelf.waitForReadyRead(kReadelfLimitMs);
-    const QString output = readelf.readAll();
+    QString output = readelf.readAll();
     readelf.close();
     return output;
 }
