@@ -46,30 +46,42 @@ function(qr9_unit_test name)
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=;LC_ALL=C.UTF-8;${QR9_SANITIZER_ENVIRONMENT}")
 endfunction()
 
-# qr9_room_test(NAME [SOURCES...] [LIBS...] [LABELS...] [ROOM arguments of "room run"...] [TIMEOUT seconds]) -
-# a Qt Test program NAME.cpp that runs in a private room of its own against a virtual instrument, with a screen:
-# see simulator/room. In the room the build folder is /run/prog, the source tree /run/source (read-only) and
-# the rig folder with the sockets and transcripts /run/rig. Skipped where no room can be had.
-function(qr9_room_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS;ROOM" ${ARGN})
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 120)
-  endif()
+# qr9_room_program(NAME [SOURCES...] [LIBS...]) - a Qt Test program NAME.cpp that needs a room to run in.
+function(qr9_room_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${name}.cpp ${ARG_SOURCES})
   qr9_own_code(${name})
   target_link_libraries(${name} PRIVATE ${ARG_LIBS} Qt5::Test)
   add_dependencies(${name} VirtualInstrument TAVO_QR9.app)
-  file(RELATIVE_PATH program ${PROJECT_BINARY_DIR} ${CMAKE_CURRENT_BINARY_DIR}/${name})
+endfunction()
+
+# qr9_room_run(NAME PROGRAM [LABELS...] [ROOM arguments of "room run"...] [TIMEOUT seconds]) - registers a run of
+# such a program in a private room of its own against a virtual instrument, with a screen: see simulator/room. In
+# the room the build folder is /run/prog, the source tree /run/source (read-only) and the rig folder with the
+# sockets and transcripts /run/rig. Skipped where no room can be had.
+function(qr9_room_run name program)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "LABELS;ROOM" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  file(RELATIVE_PATH path ${PROJECT_BINARY_DIR} ${CMAKE_CURRENT_BINARY_DIR}/${program})
   # The launcher ends a program that hangs before ctest does, so that the evidence is kept.
   math(EXPR limit "${ARG_TIMEOUT} + 30")
   add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/simulator/room/room run --build ${PROJECT_BINARY_DIR}
-    --timeout ${ARG_TIMEOUT} ${ARG_ROOM} -- ${program})
+    --timeout ${ARG_TIMEOUT} ${ARG_ROOM} -- ${path})
   set_tests_properties(${name} PROPERTIES LABELS "workflow;${ARG_LABELS}" TIMEOUT ${limit} SKIP_RETURN_CODE 77
     ENVIRONMENT "LC_ALL=C.UTF-8;${QR9_SANITIZER_ENVIRONMENT}")
   if(QR9_SANITIZE)
     # Slowed down, two rooms at a time leave the camera no time to follow the stage.
     set_tests_properties(${name} PROPERTIES RUN_SERIAL ON)
   endif()
+endfunction()
+
+# qr9_room_test(NAME [SOURCES...] [LIBS...] [LABELS...] [ROOM...] [TIMEOUT seconds]) - such a program and one run.
+function(qr9_room_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS;ROOM" ${ARGN})
+  qr9_room_program(${name} SOURCES ${ARG_SOURCES} LIBS ${ARG_LIBS})
+  qr9_room_run(${name} ${name} LABELS ${ARG_LABELS} ROOM ${ARG_ROOM} TIMEOUT ${ARG_TIMEOUT})
 endfunction()
 
 # What the sanitizers are told at run time; a finding fails the test. The system's libraries keep some

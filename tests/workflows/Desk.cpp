@@ -95,6 +95,16 @@ void Desk::close()
     m_window.reset();
 }
 
+void Desk::closeInLiveMode()
+{
+    m_window.reset();
+}
+
+bool Desk::isArduCam()
+{
+    return rig.truth().value("camera") == "arducam";
+}
+
 QStringList linesOfConnection()
 {
     return { "$A#VER", "$X#STAGE ORIGIN", "$Z#STAGE ORIGIN", "$A#FILTER ORIGIN", "$Z#STAGE STEP 115",

@@ -34,8 +34,13 @@ public:
     bool waitForConnection();
     /// Both, with evidence that the camera runs and the tabs are open.
     bool connectUnit();
-    /// Ends the window as `main` does.
+    /// Ends the window as `main` does behind the exit button.
     void close();
+    /// Ends the window while the camera's live loop runs on.
+    void closeInLiveMode();
+
+    /// The unit has the AR0134 camera, and not the Basler one.
+    bool isArduCam();
 
     /// A mark of the transcript behind all that the window has sent so far, on the wire or not yet.
     int mark();

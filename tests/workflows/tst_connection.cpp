@@ -16,6 +16,7 @@ private slots:
 
     void wholeConnection_sendsTheseLines();
     void connectedUnit_showsItsState();
+    void mirrorBoxes_standOnUnitsWithTheAr0134();
     void whileSearching_buttonIsBusyAndExitHidden();
     void withoutSettings_theFileHoldsOnlyWhatTheConnectionWrites();
     void secondPress_runsTheWholeSequenceAgain();
@@ -99,17 +100,30 @@ void tst_connection::connectedUnit_showsItsState()
     QCOMPARE(m_desk->style("lineEdit_COM_PORT_CONTROLLER"),
         QString("font: 11pt 'Sans Serif'; color : black; background-color : rgb(0, 170, 255)"));
     QCOMPARE(m_desk->window().cursor().shape(), Qt::ArrowCursor);
-    QVERIFY(!m_desk->isShown("checkBox_HOR_MIRROR"));
-    QVERIFY(!m_desk->isShown("checkBox_VER_MIRROR"));
-    QVERIFY(!m_desk->widget<QCheckBox>("checkBox_VER_MIRROR")->isChecked());
     QVERIFY(m_desk->isShown("BASLER_VIDEO_WIDGET"));
     QVERIFY(!m_desk->isShown("CAPTURE_IMAGE_WIDGET"));
     QVERIFY(!m_desk->isShown("lineEdit_FIRMWARE"));
     QVERIFY(!m_desk->isEnabled("pushButton_SHIFT_X_PLUS"));
     QCOMPARE(m_desk->widget<QTabWidget>("tabWidget_CONTROLLER")->currentIndex(), 2);
-    QCOMPARE(m_desk->text("lineEdit_FPS"), QString("0.0"));
     // The firmware went to the hidden field and to the file.
     QCOMPARE(m_desk->text("lineEdit_FIRMWARE"), m_desk->rig.truth().value("firmware").toString());
+}
+
+void tst_connection::mirrorBoxes_standOnUnitsWithTheAr0134()
+{
+    const bool bArduCam = m_desk->isArduCam();
+    const auto expectBoxes = [&] {
+        for (const char* name : { "checkBox_HOR_MIRROR", "checkBox_VER_MIRROR" }) {
+            QCOMPARE(m_desk->isShown(name), bArduCam);
+            QCOMPARE(m_desk->widget<QCheckBox>(name)->isChecked(), bArduCam);
+        }
+    };
+    Desk::putSettings("[ArduCAM]\nHor. Mirror=Yes\n"); // and the vertical one by default
+    QVERIFY(m_desk->connectUnit());
+    QVERIFY(m_desk->log.contains(bArduCam ? "m_CAM_type: 2" : "m_CAM_type: 1"));
+    expectBoxes();
+    QVERIFY(hand::click(m_desk->window(), "pushButton_CONNECT"));
+    expectBoxes();
 }
 
 void tst_connection::whileSearching_buttonIsBusyAndExitHidden()

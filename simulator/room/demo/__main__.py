@@ -11,13 +11,14 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
 
 from demo.day import Day  # noqa: E402  (the path is set above)
-from demo.phases import PHASES  # noqa: E402
+from demo.phases import phases_of  # noqa: E402
 from qr9room.errors import RoomError  # noqa: E402
 from qr9room.options import Options  # noqa: E402
 from qr9room.room import Room  # noqa: E402
 from qr9room.technician import Technician  # noqa: E402
 
 PROGRAM = "app/VerifierQR9"
+CAMERAS = {"basler": "basler", "ar0134": "arducam", "arducam": "arducam"}  # by the sensor or by its board
 
 
 def main():
@@ -26,7 +27,7 @@ def main():
     shutil.rmtree(out, ignore_errors=True)
     out.mkdir(parents=True)
     options = Options(
-        build=arguments.build / "dev", seed=arguments.seed, camera=arguments.camera, silent_ports=1,
+        build=arguments.build / "dev", seed=arguments.seed, camera=CAMERAS[arguments.camera], silent_ports=1,
         desk=arguments.interactive,
     )
     try:
@@ -52,8 +53,9 @@ def _drive(room, truth, out):
     """Goes through the phases; returns whether every row is good."""
     room.launch(PROGRAM)
     day = Day(room, Technician(room), truth, out)
-    for number, phase in enumerate(PHASES, 1):
-        print(f"[{number}/{len(PHASES)}] {phase.TITLE} ...", end=" ", flush=True)
+    phases = phases_of(truth["camera"])
+    for number, phase in enumerate(phases, 1):
+        print(f"[{number}/{len(phases)}] {phase.TITLE} ...", end=" ", flush=True)
         begin = time.monotonic()
         try:
             phase.run(day)
@@ -78,7 +80,8 @@ def _watch(room):
 def _parse():
     parser = argparse.ArgumentParser(prog="scripts/demo", description=__doc__)
     parser.add_argument("--seed", type=int, default=1, metavar="N", help="the virtual unit (default: 1)")
-    parser.add_argument("--camera", choices=["basler", "arducam"], default="basler")
+    parser.add_argument("--camera", choices=list(CAMERAS), default="basler",
+                        help="what the unit sees with (default: basler)")
     parser.add_argument("--keep", action="store_true", help="keep the whole room in build/demo/room")
     parser.add_argument("--interactive", action="store_true",
                         help="open the window on this desk and leave the technician's part to the user")

@@ -1,8 +1,14 @@
 """The phases of a unit's day in a factory, in their order: a module each, with a TITLE and a run(day).
 
-A phase does what a technician would do, waits for the evidence, and adds its rows to the day's table.
+A phase does what a technician would do, waits for the evidence, and adds its rows to the day's table. One that only
+units with a certain camera go through names it in CAMERA.
 """
 
-from . import autofocus, capture, connection, live_view, pixel_shift
+from . import autofocus, capture, connection, live_view, mirrors, pixel_shift
 
-PHASES = [connection, live_view, autofocus, pixel_shift, capture]
+PHASES = [connection, live_view, autofocus, mirrors, pixel_shift, capture]
+
+
+def phases_of(camera):
+    """What a unit with this camera, as the virtual instrument calls it, goes through."""
+    return [phase for phase in PHASES if getattr(phase, "CAMERA", camera) == camera]
