@@ -23,6 +23,16 @@ class Connection(WholeCase):
             self.assertIn("!!!!!!!!!!!!!!!!!!!!!!RESTART", room.program.log())
             self.assertNotIn("systemctl restart rc-local.service", room.stub_calls())
 
+    def test_exitInLiveModeOfTheAr0134_endsWell(self):
+        with self.program_in_room(camera="arducam") as (room, hand):
+            room.wait_log(CONNECTED, PATIENCE)
+            live = room.instrument.ask("state")["camera"]["exposures"] + 5
+            room.wait_for(
+                "the live loop", lambda: room.instrument.ask("state")["camera"]["exposures"] >= live, PATIENCE)
+            self.leave(room, hand)
+            self.assertEqual(room.board_lines(), BRING_UP + WAY_OUT)
+            self.assertFalse(room.instrument.ask("state")["camera"]["open"])
+
     def test_resetProgram_isCalledOnceBeforeTheWindow(self):
         with self.program_in_room() as (room, hand):
             hand.wait_window(PATIENCE)

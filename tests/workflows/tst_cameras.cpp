@@ -70,9 +70,8 @@ void tst_cameras::camera_isNamedInTheLog()
     QCOMPARE(m_desk->log.contains("!!! Arducam is ON !!!"), m_bArduCam);
     // One line of the connection names the first camera that was there, whatever the unit has.
     QVERIFY(m_desk->log.contains("@ [Basler] CAMERA connected..."));
-    QVERIFY(m_desk->log.contains(m_bArduCam
-            ? "void MainWindow::check_CameraConnection() 2 true"
-            : "void MainWindow::check_CameraConnection() 1 true"));
+    QVERIFY(m_desk->log.contains(m_bArduCam ? "void MainWindow::check_CameraConnection() 2 true"
+                                            : "void MainWindow::check_CameraConnection() 1 true"));
 }
 
 void tst_cameras::frameRate_isToldByTheAr0134Alone()
