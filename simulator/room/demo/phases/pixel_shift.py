@@ -96,12 +96,12 @@ def _fields_back_in_focus(lines):
 def _heights_of_focus(lines):
     """Where each search left the stage: one fine step below the target of its final approach."""
     found = []
-    for at, line in enumerate(lines):
-        if line.startswith("$Z#STAGE ABS") and lines[at + 1] == "$Z#STAGE POS" \
-                and lines[at + 2].startswith("$Z#STAGE STEP"):
+    for line, then, step_line, direction in zip(lines, lines[1:], lines[2:], lines[3:]):
+        if line.startswith("$Z#STAGE ABS") and then == "$Z#STAGE POS" \
+                and step_line.startswith("$Z#STAGE STEP"):
             start = int(line.rsplit(" ", 1)[1])
-            step = int(lines[at + 2].rsplit(" ", 1)[1])
-            up = lines[at + 3].endswith("PLUS")
+            step = int(step_line.rsplit(" ", 1)[1])
+            up = direction.endswith("PLUS")
             found.append(start + (step if up else -step) - 115)
     return found
 
