@@ -755,23 +755,30 @@ void tst_ImReaderWriter::writeIntoMissingFolder_fails()
 
 void tst_ImReaderWriter::writeToFullStick_fails_data()
 {
-    writeIntoMissingFolder_fails_data();
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("room");
+    for (const char* extension : { "tif", "jpg", "png", "bmp", "raw" }) {
+        QTest::addRow("%s cut in its pixels", extension) << QString("full.") + extension << 20000;
+    }
+    QTest::newRow("tif cut in its tags") << "full.tif" << 60000 + 20;
+    QTest::newRow("raw short of one byte") << "full.raw" << 60000 - 1;
 }
 
 void tst_ImReaderWriter::writeToFullStick_fails()
 {
-    QFETCH(QString, extension);
-    ImReaderWriter image;
+    QFETCH(QString, name);
+    QFETCH(int, room);
     QByteArray noise(300 * 200, '\0'); // does not compress
     std::mt19937 random(1);
     std::generate(noise.begin(), noise.end(), [&] { return static_cast<char>(random()); });
+    ImReaderWriter image;
     QVERIFY(load(image, noise, 300, 200, 1, grey, uncompressed));
     rlimit before {};
     getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit full { 20000, before.rlim_max };
+    const rlimit full { static_cast<rlim_t>(room), before.rlim_max };
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &full);
-    const bool written = write(image, path("full." + extension));
+    const bool written = write(image, path(name));
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
     QVERIFY(!written);
