@@ -4,9 +4,9 @@ A phase does what a technician would do, waits for the evidence, and adds its ro
 units with a certain camera go through names it in CAMERA.
 """
 
-from . import autofocus, capture, connection, live_view, mirrors, pixel_shift
+from . import autofocus, capture, connection, live_view, magnification, mirrors, pixel_shift, slope
 
-PHASES = [connection, live_view, autofocus, mirrors, pixel_shift, capture]
+PHASES = [connection, live_view, autofocus, mirrors, slope, pixel_shift, capture, magnification]
 
 
 def phases_of(camera):

@@ -10,6 +10,14 @@ FINE_STEP = 115  # motor steps
 
 
 def run(day):
+    focus(day, "focus found")
+    _, deviation = day.hand.picture_of(VIEW).mean_and_deviation()
+    day.table.within("texture of the live view", deviation, 10, 100, "grey values")
+    day.screenshot("in-focus")
+
+
+def focus(day, row):
+    """Presses the AF button, waits for the end and compares the result with the truth in a row of this name."""
     day.hand.open_page("TAB_STAGE")
     day.hand.click("pushButton_AUTOFOCUS")
     day.room.wait_window("Info", LIMIT)
@@ -20,9 +28,6 @@ def run(day):
     true = day.room.instrument.ask("bestFocus", x=state["x"])["bf"]
     results = re.findall(r"\[2\] m_AutofocusingRef:\D*\d+ +(\d+)", day.room.program.log())
     found = int(results[-1]) if results else None
-    day.table.near("focus found", true, found, FINE_STEP, "steps")
+    day.table.near(row, true, found, FINE_STEP, "steps")
     if found is not None:
         day.table.near("stage left below it", found - FINE_STEP, state["z"], 0, "steps")
-    _, deviation = day.hand.picture_of(VIEW).mean_and_deviation()
-    day.table.within("texture of the live view", deviation, 10, 100, "grey values")
-    day.screenshot("in-focus")
