@@ -30,6 +30,12 @@ class Technician:
             f'"{widget}" to be shown', lambda: self.picture_of(widget).mean_and_deviation()[1] > 0, limit
         )
 
+    def double_click_cell(self, table, column, columns):
+        """Double-clicks a cell of a table of one row and `columns` columns of the same width."""
+        place = self.form.place(table)
+        x = place.x + place.width * (2 * column + 1) // (2 * columns)
+        self._screen.click(x, place.centre[1], count=2)
+
     def open_page(self, page):
         """Opens a page of the tab widget by its tab."""
         self._screen.click(*self.form.tab(page).centre)

@@ -4,9 +4,15 @@ A phase does what a technician would do, waits for the evidence, and adds its ro
 units with a certain camera go through names it in CAMERA.
 """
 
-from . import autofocus, capture, connection, live_view, magnification, mirrors, pixel_shift, slope
+from . import (
+    autofocus, capture, connection, identity, light, live_view, magnification, mirrors, options, pages, pixel_shift,
+    slide, slope, x_reference,
+)
 
-PHASES = [connection, live_view, autofocus, mirrors, slope, pixel_shift, capture, magnification]
+PHASES = [
+    connection, live_view, slide, autofocus, mirrors, slope, pixel_shift, capture, magnification, x_reference, light,
+    identity, options, pages,
+]
 
 
 def phases_of(camera):
