@@ -105,6 +105,13 @@ bool Desk::isArduCam()
     return rig.truth().value("camera") == "arducam";
 }
 
+QStringList sortedLines(const QByteArray& file)
+{
+    QStringList lines = QString::fromLatin1(file).split('\n', Qt::SkipEmptyParts);
+    lines.sort();
+    return lines;
+}
+
 QStringList linesOfConnection()
 {
     return { "$A#VER", "$X#STAGE ORIGIN", "$Z#STAGE ORIGIN", "$A#FILTER ORIGIN", "$Z#STAGE STEP 115",

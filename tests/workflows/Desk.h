@@ -69,6 +69,9 @@ private:
     std::unique_ptr<MainWindow> m_window;
 };
 
+/// The lines of a settings file, in an order of their own: that of the file is up to the settings format.
+QStringList sortedLines(const QByteArray& file);
+
 /// What the board is sent while a unit comes up with the settings that a missing file gives.
 QStringList linesOfConnection();
 

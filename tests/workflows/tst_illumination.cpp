@@ -68,14 +68,6 @@ const QString kLit = "font: 11pt 'Sans Serif'; color : white; background-color :
 constexpr double kGainStep = 0.15; ///< dB
 constexpr double kExposureStep = 0.0125; ///< ms
 
-/// The lines of the settings file, in no particular order: that is up to the settings format.
-QStringList sortedLines(const QByteArray& file)
-{
-    QStringList lines = QString::fromLatin1(file).split('\n', Qt::SkipEmptyParts);
-    lines.sort();
-    return lines;
-}
-
 /// The same file with the two fluorescence gains exchanged.
 QByteArray withGainsExchanged(QByteArray file)
 {

@@ -48,18 +48,6 @@ private:
     std::unique_ptr<Desk> m_desk;
 };
 
-namespace {
-
-/// The lines of the settings file, in no particular order: that is up to the settings format.
-QStringList sortedLines(const QByteArray& file)
-{
-    QStringList lines = QString::fromLatin1(file).split('\n', Qt::SkipEmptyParts);
-    lines.sort();
-    return lines;
-}
-
-} // namespace
-
 void tst_xaxis::initTestCase()
 {
     Desk::removeSettings();

@@ -20,7 +20,9 @@ def run(day):
             f"the light of {name} to be stored",
             lambda group=f"Ch. {name}", key=key: day.setting(group, key), LIMIT,
         )
-        values = (*(day.setting(f"Ch. {name}", each) for each in ("Gain", "Exposure")), stored)
+        # The fluorescence channels keep a gain for each kind of camera.
+        gain_key = "Gain AR" if day.truth["camera"] == "arducam" and name != "BF" else "Gain"
+        values = (*(day.setting(f"Ch. {name}", each) for each in (gain_key, "Exposure")), stored)
         day.table.same(f"light of {name} stored", f"{gain} dB, {exposure} ms, {level}",
                        "{} dB, {} ms, {}".format(*values))
         # To another channel and back: now the values come from the file.

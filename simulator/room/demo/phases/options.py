@@ -1,11 +1,11 @@
-"""Options and mirrors, as far as this form and this camera leave them to the technician."""
+"""The Option page, as far as the form leaves it to the technician."""
 
 TITLE = "Options"
 LIMIT = 10  # seconds
 OFFSETS = {"REUSABLE": ("Reusable offset", 5700), "VALIDATION": ("Validation offset", 1300),
            "PRISMA": ("Prisma offset", 40)}
 FLAGS = {"VATLINE": "Vatline", "TALLYLINK": "TallyLink", "QLPK": "QLPK"}
-MIRRORS = {"HOR": "Hor. Mirror", "VER": "Ver. Mirror"}
+MIRRORS = ("checkBox_HOR_MIRROR", "checkBox_VER_MIRROR")
 INDICATOR = 8  # pixels from the left edge of a box to the middle of its indicator
 
 
@@ -25,18 +25,9 @@ def run(day):
     day.table.same("closed option flags that a press stored", "none", ", ".join(stored) or "none")
     day.screenshot("options")
 
-    if day.truth["camera"] == "arducam":
-        for mirror, key in MIRRORS.items():
-            _tick(day, f"checkBox_{mirror}_MIRROR")
-            shown = day.room.wait_for(
-                f'"{key}" to be stored', lambda key=key: day.setting("ArduCAM", key), LIMIT
-            )
-            # At the start the vertical mirror alone is on.
-            day.table.same(f"{key} after a press", "No" if mirror == "VER" else "Yes", shown)
-    else:
-        # A unit with this camera has no mirrors: their boxes are hidden.
-        deviations = [day.hand.picture_of(f"checkBox_{mirror}_MIRROR").mean_and_deviation()[1]
-                      for mirror in MIRRORS]
+    if day.truth["camera"] == "basler":
+        # A unit with this camera has no mirrors.
+        deviations = [day.hand.picture_of(box).mean_and_deviation()[1] for box in MIRRORS]
         day.table.same("mirror boxes that are seen", 0, sum(deviation > 0 for deviation in deviations))
 
 

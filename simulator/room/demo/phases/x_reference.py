@@ -2,7 +2,7 @@
 
 from qr9room.errors import RoomError
 
-from .live_view import VIEW
+from .live_view import VIEW, next_frame
 
 TITLE = "X reference mark"
 LIMIT = 20  # seconds
@@ -45,11 +45,7 @@ def run(day):
 
 def _offset(day):
     """How far right of the middle of the live picture the mark stands, in pixels of the screen."""
-    # Two frames after the last move the picture is that of the new place.
-    before = day.hand.picture_of(VIEW).greys()
-    for _ in range(2):
-        day.room.wait_for("the next frame", lambda: day.hand.picture_of(VIEW).greys() != before, LIMIT)
-        before = day.hand.picture_of(VIEW).greys()
+    next_frame(day)
     picture = day.hand.picture_of(VIEW)
     greys = picture.greys()
     limit = DARK * sum(greys) / len(greys)
