@@ -48,4 +48,6 @@ def _light(day, name):
     state = day.room.instrument.ask("state")
     level = state["leds"]["bf1" if name == "BF" else name.lower()]
     camera = state["camera"]
-    return f"{camera['gainDb']:.0f} dB, {camera['exposureUs'] / 1000:.0f} ms, {level}"
+    # What the program calls one dB with the AR0134 is 2 dB of the signal.
+    gain = camera["gainDb"] / (2 if day.truth["camera"] == "arducam" else 1)
+    return f"{gain:.0f} dB, {camera['exposureUs'] / 1000:.0f} ms, {level}"

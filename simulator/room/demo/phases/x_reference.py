@@ -16,16 +16,24 @@ STARTS = {"1 Channel": -2107, "2 Channel": 18931, "3 Channel": 18505, "8 Channel
 def run(day):
     instrument = day.room.instrument
     instrument.ask("set", key="slide", value="empty")  # nothing but the tray with its mark
+    day.hand.open_page("TAB_QC1")
+    day.hand.click("pushButton_QC_LIVE")  # in case a still picture is on view
     day.hand.open_page("TAB_LIGHT")
     _press(day, "pushButton_ILLUMINATION_BF", "$OK#A#FILTER GO 1")
     day.hand.open_page("TAB_QC2")
     _press(day, "pushButton_START_X_REF", f"$OK#X#STAGE ABS {NOMINAL}\\r")
     driven = NOMINAL
-    for _ in range(6):
-        steps = round(_offset(day) * STEPS_PER_PIXEL)
+    offset = _offset(day)
+    sense = 1  # a picture that is turned over moves the other way
+    for _ in range(8):
+        steps = round(sense * offset * STEPS_PER_PIXEL)
         if steps == 0:
             break
+        before = offset
         driven += _step(day, steps)
+        offset = _offset(day)
+        if abs(offset) > abs(before):
+            sense = -sense
     day.screenshot("x-reference")
 
     day.hand.click("pushButton_START_X_CALIBRATION")
