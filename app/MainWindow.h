@@ -442,7 +442,6 @@ private:
     /// The reply to a Z move while a run is under way: the next thing to do, by the state.
     void advanceAutofocus(int position);
     void finishAutofocus();
-    std::size_t bestSample(const AutofocusStep& step) const;
     QString debugFolder(const AutofocusStep& step) const;
     void saveDebugFrame(const AutofocusStep& step, int width, int height, double value) const;
     void saveDebugTable(const AutofocusStep& step, std::size_t best) const;

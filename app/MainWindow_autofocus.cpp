@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/best_sample.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
 
@@ -181,29 +182,11 @@ void MainWindow::slot_ImageGrabbed_AutoFocusing(uchar* pixels, int width, int he
     }
 }
 
-std::size_t MainWindow::bestSample(const AutofocusStep& step) const
-{
-    const QString label = QString("[%1]").arg(step.number);
-    auto best = static_cast<std::size_t>(step.fallbackIndex);
-    double bestValue = -1.0;
-    std::size_t index = 0;
-    for (const auto& [position, value] : m_autoFocus.m_samples) {
-        qDebug().noquote() << label << index << position << value << bestValue;
-        if (value > bestValue) {
-            bestValue = value;
-            best = index;
-        }
-        ++index;
-    }
-    // No frame could be measured: the fallback is not centred on the reference.
-    if (bestValue < 0.0)
-        best = static_cast<std::size_t>(step.fallbackIndex);
-    return best;
-}
-
 void MainWindow::finishScan(const AutofocusStep& step)
 {
-    const std::size_t best = bestSample(step);
+    const QByteArray label = QString("[%1]").arg(step.number).toLatin1();
+    const std::size_t best
+        = bestSample(m_autoFocus.m_samples, static_cast<std::size_t>(step.fallbackIndex), label.constData());
     if (step.folder != nullptr && !m_strAutofocusing.isEmpty())
         saveDebugTable(step, best);
     const auto [position, value] = m_autoFocus.m_samples[best];

@@ -57,10 +57,13 @@ void MainWindow::on_pushButton_CONNECT_clicked()
 bool MainWindow::bringUpUnit()
 {
     if (!m_bConnected_Controller) {
+        // Open since an earlier connection: a panel would wait for ever for a board that is not there.
+        ui->tabWidget_CONTROLLER->setEnabled(false);
         showError(this, "Fail CONTROLLER connect !");
         return false;
     }
     if (!initialize_Controller()) {
+        ui->tabWidget_CONTROLLER->setEnabled(false);
         showError(this, "Fail CONTROLLER initialize !");
         return false;
     }

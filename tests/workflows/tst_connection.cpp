@@ -24,6 +24,7 @@ private slots:
     void emptyAnswerDuringBringUp_failsInitialize_data();
     void emptyAnswerDuringBringUp_failsInitialize();
     void failedInitialize_canBeRepeatedByTheButton();
+    void failedSecondConnection_closesTheTabsAgain();
     void exit_switchesOffHomesAndCloses();
     void exitWithChangedSerial_restartsAfterOk();
     void exitWithChangedSerial_closedBoxDoesNotRestart();
@@ -235,6 +236,23 @@ void tst_connection::failedInitialize_canBeRepeatedByTheButton()
     QVERIFY(hand::click(m_desk->window(), "pushButton_CONNECT"));
     QVERIFY(m_desk->isEnabled("tabWidget_CONTROLLER"));
     QCOMPARE(m_desk->rig.sentSince(mark), linesOfConnection());
+}
+
+void tst_connection::failedSecondConnection_closesTheTabsAgain()
+{
+    QVERIFY(m_desk->connectUnit());
+    QVERIFY(m_desk->rig.fault("nul", "$Z#STAGE ORIGIN"));
+    QVERIFY(hand::click(m_desk->window(), "pushButton_CONNECT"));
+    QCOMPARE(m_desk->boxes.texts(), QStringList({ "Fail CONTROLLER initialize !" }));
+    QVERIFY(!m_desk->isEnabled("tabWidget_CONTROLLER"));
+    QVERIFY(hand::click(m_desk->window(), "pushButton_CONNECT"));
+    QVERIFY(m_desk->isEnabled("tabWidget_CONTROLLER"));
+    // The board is gone: searched for in vain.
+    QVERIFY(m_desk->rig.fault("silent"));
+    QVERIFY(hand::click(m_desk->window(), "pushButton_CONNECT"));
+    QCOMPARE(m_desk->boxes.texts().mid(1),
+        QStringList({ "COM Port [Controller] not find !!!", "Fail CONTROLLER connect !" }));
+    QVERIFY(!m_desk->isEnabled("tabWidget_CONTROLLER"));
 }
 
 void tst_connection::exit_switchesOffHomesAndCloses()
