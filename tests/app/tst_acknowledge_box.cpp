@@ -20,7 +20,7 @@ private:
     /// Runs the box while `leave` acts on it.
     template <typename Action> void execute(Action leave)
     {
-        QTimer::singleShot(0, m_box.get(), leave);
+        QMetaObject::invokeMethod(m_box.get(), leave, Qt::QueuedConnection);
         m_box->exec();
     }
 

@@ -248,7 +248,7 @@ void tst_autofocus::runAfterAnEarlyEnd_measuresEachFrameOnce()
 void tst_autofocus::framesWithoutFluorescence_areMeasuredByTheLaplacian()
 {
     // The same frame, measured in both channels, gives the value of the channel's measure.
-    std::vector<unsigned char> frame(1280 * 960);
+    std::vector<unsigned char> frame(std::size_t(1280) * 960);
     for (std::size_t i = 0; i < frame.size(); ++i)
         frame[i] = static_cast<unsigned char>((i * 7) % 251);
     alg_autoFocus measure;
@@ -283,7 +283,8 @@ void tst_autofocus::debugFolder_holdsPicturesAndTables()
     m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG")->setChecked(true);
     m_desk->boxes.handleNext([&](QDialog& dialog) {
         auto* files = qobject_cast<QFileDialog*>(&dialog);
-        QVERIFY(files != nullptr);
+        if (files == nullptr)
+            QFAIL("not a file dialog");
         QVERIFY(files->testOption(QFileDialog::ShowDirsOnly));
         files->setDirectory(folder.path());
         files->selectFile(folder.path());

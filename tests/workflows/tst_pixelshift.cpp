@@ -158,15 +158,12 @@ void tst_pixelshift::wholeRun_sendsTheseLines()
     };
     QStringList expected;
     int z = m_reference; // the height at which the last search left the stage
-    int coarse = m_reference;
     for (int field = 0; field < 12; ++field) {
+        const int coarse = field == 0 ? best("[1]", 0) : m_reference;
         if (field == 0) {
-            coarse = best("[1]", 0);
             expected << move(z, m_reference + 3680) << setting("Z", "DIR", "MINUS")
                      << setting("Z", "STEP", 460) << scan(15);
             z = m_reference + 3680 - 15 * 460;
-        } else {
-            coarse = m_reference;
         }
         const int focus = best("[2]", field);
         expected << move(z, coarse + 460) << setting("Z", "DIR", "MINUS") << setting("Z", "STEP", 115)
