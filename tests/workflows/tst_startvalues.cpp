@@ -8,6 +8,8 @@ class tst_startvalues : public QObject {
     Q_OBJECT
 
 private slots:
+    void cleanup();
+
     void serial_isSplitIntoItsParts_data();
     void serial_isSplitIntoItsParts();
     void brightFieldUnit_hasNoFluorescenceButtons_data();
@@ -18,7 +20,7 @@ private slots:
     void mirrors_compareTheWholeWord();
 
 private:
-    /// A window of its own for each file; half a second before it would connect it is gone again.
+    /// A window of its own for each file; it is gone again before it would begin to connect.
     MainWindow& openWith(const QByteArray& file)
     {
         Desk::putSettings(file);
@@ -28,10 +30,12 @@ private:
     }
 
     std::unique_ptr<Desk> m_desk;
-
-private slots:
-    void cleanup() { m_desk.reset(); }
 };
+
+void tst_startvalues::cleanup()
+{
+    m_desk.reset();
+}
 
 void tst_startvalues::serial_isSplitIntoItsParts_data()
 {
