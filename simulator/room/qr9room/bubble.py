@@ -3,6 +3,7 @@
 import os
 import shutil
 import subprocess
+from functools import cache
 from pathlib import Path
 
 from .errors import NoRooms
@@ -17,14 +18,29 @@ PASSED_ON = [
 SOURCE = "/run/source"  # the source tree, read-only, for test data and suppression lists
 
 
+# Ways to be root in the room. Where the system forbids user namespaces its own root needs none.
+AS_ANYBODY = ["--unshare-user", "--uid", "0", "--gid", "0"]
+AS_ROOT = []
+
+
 def probe():
     """Raises NoRooms where no room can be had."""
+    _way_in()
+
+
+@cache
+def _way_in():
+    """The words that make the caller root in a room; raises NoRooms where there are none."""
     if not shutil.which("bwrap"):
         raise NoRooms("no room: bubblewrap is not installed (scripts/setup installs it)")
-    attempt = ["bwrap", "--unshare-user", "--unshare-net", "--dev-bind", "/", "/", "true"]
-    done = subprocess.run(attempt, capture_output=True, text=True, check=False)
-    if done.returncode != 0:
-        raise NoRooms(f"no room: this system forbids user namespaces ({done.stderr.strip()})")
+    reasons = []
+    for way in [AS_ANYBODY, AS_ROOT] if os.getuid() == 0 else [AS_ANYBODY]:
+        attempt = ["bwrap", *way, "--cap-add", "ALL", "--unshare-net", "--dev-bind", "/", "/", "true"]
+        done = subprocess.run(attempt, capture_output=True, text=True, check=False)
+        if done.returncode == 0:
+            return way
+        reasons.append(done.stderr.strip())
+    raise NoRooms(f"no room: this system forbids user namespaces ({'; '.join(reasons)})")
 
 
 def command(rig, options, screen, ports, program):
@@ -33,7 +49,7 @@ def command(rig, options, screen, ports, program):
     `ports` are device paths of this machine in the order in which the program is to list them; `screen` is
     the room's Screen, or None where the window goes to the user's display.
     """
-    words = ["bwrap", "--unshare-pid", "--die-with-parent", "--unshare-user", "--uid", "0", "--gid", "0"]
+    words = ["bwrap", "--unshare-pid", "--die-with-parent", *_way_in()]
     words += ["--cap-add", "ALL", "--unshare-uts"]
     words += ["--bind", f"{rig}/root", "/", "--ro-bind", "/usr", "/usr"]
     words += ["--ro-bind-try", "/var/cache/fontconfig", "/var/cache/fontconfig"]
