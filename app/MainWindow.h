@@ -300,9 +300,9 @@ public:
 
     /// Starts a run around `lineEdit_REFERENCE_AUTOFOCUS`: coarse and fine, or fine alone.
     void pushButton_AUTOFOCUS_clicked(bool coarse);
-    /// The same without a message box; runs the event loop until the run has ended. The flag that keeps the
-    /// box away stays set: the calibration that called clears it.
-    void focusSilently(bool coarse);
+    /// The same without a message box; runs the event loop until the run has ended. False when the program is
+    /// left meanwhile. The flag that keeps the box away stays set: the calibration that called clears it.
+    bool focusSilently(bool coarse);
     void prepareAutoFocusing_Step1();
     void prepareAutoFocusing_Step2();
     void prepareAutoFocusing_Step3();
@@ -387,8 +387,9 @@ private:
 
     // Z reference and slope
 
-    /// X by position (direct), then a silent coarse and fine run; returns when it has ended.
-    void focusAt(int positionX);
+    /// X by position (direct), then a silent coarse and fine run; returns when it has ended, or false when the
+    /// program is left meanwhile.
+    bool focusAt(int positionX);
     /// The best position of a run that belongs to the slope calibration.
     void recordZSlope(int bestPosition);
     static void storeZSlope(const z_slope_cal_info& cal);
@@ -398,12 +399,15 @@ private:
     void runPixelShift();
     void leavePixelShift();
     void enableShiftArrows(bool enabled);
-    /// The three frames of the field under the objective; each returns when its frame is stored.
-    void takeShiftFrames(int zOffset);
-    void takeShiftFrame();
+    /// The three frames of the field under the objective; each returns when its frame is stored, or false when
+    /// the program is left meanwhile.
+    bool takeShiftFrames(int zOffset);
+    bool takeShiftFrame();
     /// Moves Z by the offset, in fine steps, to the focus of fluorescence (+1) or back (-1). Direct.
     void moveZForFluorescence(const char* logText, int zOffset, int sign);
-    void goToNextShiftField();
+    /// Returns when X has moved, which at the end of a channel has to be done by hand; false when the program
+    /// is left meanwhile.
+    bool goToNextShiftField();
     ShiftValues measureFieldShift(int field);
     void showAverageShift(const FieldShifts& shifts);
     /// The four line edits: GFP X, GFP Y, RFP X, RFP Y.

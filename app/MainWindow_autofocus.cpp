@@ -1,11 +1,11 @@
 #include "app/MainWindow.h"
 
 #include "app/best_sample.h"
+#include "app/signal_wait.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
 
 #include <QDebug>
-#include <QEventLoop>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QTimer>
@@ -51,14 +51,12 @@ void MainWindow::pushButton_AUTOFOCUS_clicked(bool coarse)
         prepareAutoFocusing_Step2();
 }
 
-void MainWindow::focusSilently(bool coarse)
+bool MainWindow::focusSilently(bool coarse)
 {
     m_autofocusSilent = 1;
-    // A loop of its own for each wait: a signal of another wait does not end it.
-    QEventLoop loop;
-    connect(this, &MainWindow::sig_finish_Autofocusing, &loop, &QEventLoop::quit);
+    SignalWait ended(this, &MainWindow::sig_finish_Autofocusing);
     pushButton_AUTOFOCUS_clicked(coarse);
-    loop.exec();
+    return ended.wait();
 }
 
 void MainWindow::prepareAutoFocusing_Step1()

@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/settings.h"
+#include "app/signal_wait.h"
 #include "app/styles.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
@@ -9,7 +10,6 @@
 
 #include <QDebug>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QMessageBox>
 #include <QTimer>
 
@@ -68,14 +68,14 @@ void MainWindow::runPixelShift()
 
     FieldShifts shifts;
     for (int field = 0; field < kShiftFields; ++field) {
-        focusSilently(field == 0);
-        takeShiftFrames(zOffset);
+        if (!focusSilently(field == 0) || !takeShiftFrames(zOffset))
+            return;
         shifts[static_cast<std::size_t>(field)] = measureFieldShift(field);
         on_pushButton_ILLUMINATION_BF_clicked();
         moveZForFluorescence("apply z_offset 2-----------> : ", zOffset, -1);
         ++m_shiftField;
-        if (field != kLastField)
-            goToNextShiftField();
+        if (field != kLastField && !goToNextShiftField())
+            return;
     }
     showAverageShift(shifts);
 
@@ -91,28 +91,28 @@ void MainWindow::runPixelShift()
     QMessageBox::information(this, "Info", "finish calculate pixel shift !", QMessageBox::Ok);
 }
 
-void MainWindow::takeShiftFrames(int zOffset)
+bool MainWindow::takeShiftFrames(int zOffset)
 {
     m_shiftChannel = ILLUMINATION_BF;
     on_pushButton_ILLUMINATION_BF_clicked();
-    takeShiftFrame();
+    if (!takeShiftFrame())
+        return false;
     // The fluorescence is in focus elsewhere than bright field.
     moveZForFluorescence("apply z_offset -----------> : ", zOffset, +1);
     m_shiftChannel = ILLUMINATION_GFP;
     on_pushButton_ILLUMINATION_GFP_clicked();
-    takeShiftFrame();
+    if (!takeShiftFrame())
+        return false;
     m_shiftChannel = ILLUMINATION_RFP;
     on_pushButton_ILLUMINATION_RFP_clicked();
-    takeShiftFrame();
+    return takeShiftFrame();
 }
 
-void MainWindow::takeShiftFrame()
+bool MainWindow::takeShiftFrame()
 {
-    QEventLoop loop;
-    connect(this, &MainWindow::sig_finish_pixelshift_ImageGrabbed, &loop, &QEventLoop::quit);
-    QTimer::singleShot(
-        ui->spinBox_EXPOSURE->text().toInt() + kSettlingMs, this, SLOT(slot_request_camera_grab()));
-    loop.exec();
+    SignalWait stored(this, &MainWindow::sig_finish_pixelshift_ImageGrabbed);
+    QTimer::singleShot(ui->spinBox_EXPOSURE->value() + kSettlingMs, this, SLOT(slot_request_camera_grab()));
+    return stored.wait();
 }
 
 void MainWindow::moveZForFluorescence(const char* logText, int zOffset, int sign)
@@ -124,12 +124,14 @@ void MainWindow::moveZForFluorescence(const char* logText, int zOffset, int sign
     m_pController->direct_read(m_strCommand);
 }
 
-void MainWindow::goToNextShiftField()
+bool MainWindow::goToNextShiftField()
 {
-    QEventLoop loop;
-    connect(this, &MainWindow::sig_finish_X_Stage_Move, &loop, &QEventLoop::quit);
+    SignalWait moved(this, &MainWindow::sig_finish_X_Stage_Move);
+    const int field = m_slide_field;
     on_pushButton_FIELD_NEXT_clicked();
-    loop.exec();
+    if (m_slide_field == field)
+        qDebug() << Q_FUNC_INFO << "no field follows in this channel: waiting for a move of X by hand";
+    return moved.wait();
 }
 
 void MainWindow::slot_ImageGrabbed_pixelshift(uchar* pixels, int, int)

@@ -51,9 +51,11 @@ void MainWindow::on_pushButton_REFERENCE_Z_SLOPE_clicked()
     ui->pushButton_REFERENCE_Z_SLOPE->setEnabled(false);
 
     m_z_slope_stage = Z_SLOPE_A1;
-    focusAt(m_slide_start_2ch);
+    if (!focusAt(m_slide_start_2ch))
+        return;
     m_z_slope_stage = Z_SLOPE_B1;
-    focusAt(m_slide_start_2ch - kDistanceSteps);
+    if (!focusAt(m_slide_start_2ch - kDistanceSteps))
+        return;
     m_z_slope_stage = Z_SLOPE_NONE;
 
     z_slope_cal_info& cal = m_z_slope_cal;
@@ -80,11 +82,11 @@ void MainWindow::on_pushButton_REFERENCE_Z_SLOPE_clicked()
     QMessageBox::information(this, "Info", finishText(cal), QMessageBox::Ok);
 }
 
-void MainWindow::focusAt(int positionX)
+bool MainWindow::focusAt(int positionX)
 {
     m_strCommand = "$X#STAGE ABS " + QString::number(positionX) + "\n";
     m_pController->direct_read(m_strCommand);
-    focusSilently(true);
+    return focusSilently(true);
 }
 
 void MainWindow::recordZSlope(int bestPosition)
