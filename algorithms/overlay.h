@@ -11,7 +11,7 @@ using OverlayShift = cv::Point2f;
 /// coming in at the edges; else they are laid over as they are. All pictures are CV_8UC1 of one size.
 ///
 /// Returns a new continuous CV_8UC3 matrix of that size, the channels red, green and blue in this order. The
-/// bits of overlay_literal::compose in about a quarter of its time. Where a picture is missing (empty) there
+/// bits of overlay_literal::compose in a small part of its time. Where a picture is missing (empty) there
 /// is nothing to judge: the result is bright field alone, or a black frame of 1280 x 960 without that.
 /// Pictures of different sizes end in the library's exception. Any thread.
 cv::Mat composeOverlay(const cv::Mat& brightField, const cv::Mat& gfp, const cv::Mat& rfp,

@@ -43,7 +43,7 @@ bool isRepeated(const std::vector<std::size_t>& counts, std::size_t index)
     return index > 0 && counts[index] == counts[index - 1];
 }
 
-/// Measurements that the calling thread and a helper share: each takes the next that is left.
+/// Measurements that the calling thread and a worker thread share: each takes the next that is left.
 class SharedWork {
 public:
     SharedWork(const cv::Mat& reference, std::vector<Measurement> measurements)
@@ -56,21 +56,21 @@ public:
     void run()
     {
         // All large memory is taken on this thread: one that ends leaves some of its own with the allocator.
-        PhaseCorrelation::Workspace own = m_correlation.makeWorkspace();
-        PhaseCorrelation::Workspace helpers;
-        std::future<void> helper;
+        PhaseCorrelation::Workspace ownSpace = m_correlation.makeWorkspace();
+        PhaseCorrelation::Workspace workersSpace;
+        std::future<void> worker;
         if (std::thread::hardware_concurrency() >= 2 && m_measurements.size() >= 2) {
-            helpers = m_correlation.makeWorkspace();
-            helper = startHelper(helpers);
+            workersSpace = m_correlation.makeWorkspace();
+            worker = startWorker(workersSpace);
         }
-        takeUntilNoneIsLeft(own);
-        if (helper.valid())
-            helper.get();
+        takeUntilNoneIsLeft(ownSpace);
+        if (worker.valid())
+            worker.get();
     }
 
 private:
     /// A second thread, as there are two channels; nothing where the system refuses one.
-    std::future<void> startHelper(PhaseCorrelation::Workspace& workspace)
+    std::future<void> startWorker(PhaseCorrelation::Workspace& workspace)
     {
         try {
             return std::async(std::launch::async, [this, &workspace] { takeUntilNoneIsLeft(workspace); });

@@ -63,7 +63,7 @@ class Launcher(unittest.TestCase):
         self.assertEqual(launcher.returncode, 125)
 
     def end_while_running(self, how):
-        """Ends a launcher whose program runs; waits until that program and its helpers are gone."""
+        """Ends a launcher whose program runs; waits until that program and all that served it are gone."""
         launcher = self.room("--", "/bin/sh", "-c", "echo up; exec sleep 600")
         self.assertEqual(launcher.stdout.readline(), "up\n")
         family = descendants(launcher.pid)
