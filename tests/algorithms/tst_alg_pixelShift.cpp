@@ -92,6 +92,7 @@ private slots:
     void differentSizes_endInTheLibrarysException();
     void statisticalThreshold_data();
     void statisticalThreshold();
+    void statisticalThreshold_isRoundedWithHalvesAwayFromZero();
     void statisticalThreshold_logsItsTerms();
 };
 
@@ -301,6 +302,18 @@ void tst_alg_pixelShift::statisticalThreshold()
     cv::Mat picture = uniform(8, 8, 40);
     picture.rowRange(0, 4).setTo(80);
     QCOMPARE(alg_pixelShift().setFluorescenceThreshold(picture, mode, index), threshold);
+}
+
+void tst_alg_pixelShift::statisticalThreshold_isRoundedWithHalvesAwayFromZero()
+{
+    // A mean of 40.5 and a standard deviation of 0.5.
+    cv::Mat picture = uniform(8, 8, 40);
+    picture.rowRange(0, 4).setTo(41);
+    alg_pixelShift shift;
+    QCOMPARE(shift.setFluorescenceThreshold(picture, 2, 1), 41.0); // 41.125
+    QCOMPARE(shift.setFluorescenceThreshold(picture, 2, 3), 41.0); // 41.375
+    QCOMPARE(shift.setFluorescenceThreshold(picture, 1, -2), 41.0); // 40.5
+    QCOMPARE(shift.setFluorescenceThreshold(picture, 0, 0), 42.0); // 41.5
 }
 
 void tst_alg_pixelShift::statisticalThreshold_logsItsTerms()

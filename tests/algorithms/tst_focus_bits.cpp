@@ -89,7 +89,8 @@ void tst_focus_bits::everySmallSize()
                 = 100U * static_cast<unsigned int>(width) + static_cast<unsigned int>(height);
             for (const cv::Mat& image : { random(width, height, seed),
                      randomBlackAndWhite(width, height, seed), uniform(width, height, width + height),
-                     checkerboard(width, height, 1), cv::Mat(random(width, height, seed) / 12) }) {
+                     checkerboard(width, height, 1), cv::Mat(random(width, height, seed) / 12),
+                     singlePixel(width, height, { width / 2, height / 3 }, 200) }) {
                 const QByteArray differing = differingMeasure(image);
                 QVERIFY2(differing.isEmpty(),
                     differing + " at " + QByteArray::number(width) + " x " + QByteArray::number(height));
