@@ -50,11 +50,6 @@ private:
     std::thread m_thread;
 };
 
-Picture greyPicture(int grey)
-{
-    return { 1280, 960, 1, Bytes(ScriptedCamera::kFrameBytes, static_cast<std::uint8_t>(grey)) };
-}
-
 } // namespace
 
 /// The trigger loop: the grab thread, the GUI thread and what runs between them.
@@ -186,7 +181,7 @@ private slots:
     void pulledPlug_theLoopEndsAndTheLastFrameStays()
     {
         LiveSource bench;
-        bench.server.setPicture([](int) { return greyPicture(42); });
+        bench.server.setPicture([](int) { return ScriptedCamera::greyPicture(42); });
         bench.source->setAutoTriggeringMode(true);
         QTRY_VERIFY(bench.ready >= 3);
         LogCapture log;
@@ -285,7 +280,7 @@ private slots:
     void copies_whileFramesComeIn_areWholeFrames()
     {
         LiveSource bench;
-        bench.server.setPicture([](int frame) { return greyPicture(frame % 256); });
+        bench.server.setPicture([](int frame) { return ScriptedCamera::greyPicture(frame % 256); });
         bench.source->setAutoTriggeringMode(true);
         QTRY_VERIFY(bench.ready >= 1);
         QImage image(1280, 960, QImage::Format_Indexed8);

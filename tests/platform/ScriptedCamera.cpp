@@ -49,7 +49,7 @@ ScriptedCamera::ScriptedCamera()
     for (const FeatureRow& row : kDartFeatures)
         setFeature(row.name, row.value, row.min, row.max);
     setModel(kDart);
-    m_picture = [](int) { return Picture { 1280, 960, 1, Bytes(kFrameBytes, 100) }; };
+    m_picture = [](int) { return greyPicture(100); };
 
     char folder[] = "/tmp/scripted-camera-XXXXXX";
     if (::mkdtemp(folder) == nullptr || ::pipe2(m_wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)

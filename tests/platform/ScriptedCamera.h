@@ -45,6 +45,12 @@ public:
     static constexpr std::size_t kFrameBytes = 1228800;
     static constexpr char kDart[] = "daA1280-54um";
 
+    /// A whole frame of one grey value, from 0 to 255.
+    static Picture greyPicture(int grey)
+    {
+        return { 1280, 960, 1, Bytes(kFrameBytes, static_cast<std::uint8_t>(grey)) };
+    }
+
     /// A dart with a picture of 1280 by 960 grey values of 100.
     ScriptedCamera();
     ScriptedCamera(const ScriptedCamera&) = delete;

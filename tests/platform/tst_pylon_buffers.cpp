@@ -11,15 +11,6 @@ using namespace Pylon;
 using Bytes = ScriptedCamera::Bytes;
 using Milliseconds = ScriptedCamera::Milliseconds;
 
-namespace {
-
-ScriptedCamera::Picture greyPicture(int grey)
-{
-    return { 1280, 960, 1, Bytes(ScriptedCamera::kFrameBytes, static_cast<std::uint8_t>(grey)) };
-}
-
-} // namespace
-
 /// The stand-in of the pylon library: pictures and the buffers that they lie in.
 class tst_pylon_buffers : public QObject {
     Q_OBJECT
@@ -32,7 +23,7 @@ private slots:
     {
         GrabBench bench;
         Gate gate;
-        bench.server.setPicture([](int frame) { return greyPicture(frame); });
+        bench.server.setPicture(ScriptedCamera::greyPicture);
         bench.recorder.onImage = [&gate](const CGrabResultPtr&) { gate.pass(); };
         bench.start();
         bench.server.deliver(1);
@@ -66,7 +57,7 @@ private slots:
         GrabBench bench;
         CPylonImage image;
         std::atomic<const void*> buffer { nullptr };
-        bench.server.setPicture([](int frame) { return greyPicture(frame); });
+        bench.server.setPicture(ScriptedCamera::greyPicture);
         bench.recorder.onImage = [&](const CGrabResultPtr& result) {
             if (!image.IsValid()) {
                 image.AttachGrabResultBuffer(result);

@@ -7,15 +7,42 @@
 #include <vector>
 
 using namespace Pylon;
-using Bytes = ScriptedCamera::Bytes;
 using Milliseconds = ScriptedCamera::Milliseconds;
 
 namespace {
 
-ScriptedCamera::Picture greyPicture(int grey)
-{
-    return { 1280, 960, 1, Bytes(ScriptedCamera::kFrameBytes, static_cast<std::uint8_t>(grey)) };
-}
+/// A handler that is still at work when something else happens to the camera.
+class SlowHandler {
+public:
+    /// Returns as soon as the handler of a triggered frame has been entered.
+    explicit SlowHandler(GrabBench& bench)
+    {
+        bench.recorder.onImage = [this](const CGrabResultPtr&) {
+            m_gate.pass();
+            std::this_thread::sleep_for(Milliseconds(50));
+            m_bFinished = true;
+        };
+        bench.start();
+        bench.camera.TriggerSoftware.Execute(true);
+        m_bEntered = QTest::qWaitFor([this] { return m_gate.isReached(); });
+    }
+    ~SlowHandler()
+    {
+        letGoOn();
+        while (m_bEntered && !m_bFinished)
+            std::this_thread::yield();
+    }
+
+    bool isEntered() const { return m_bEntered; }
+    bool isFinished() const { return m_bFinished; }
+    /// It takes some time more.
+    void letGoOn() { m_gate.open(); }
+
+private:
+    Gate m_gate;
+    bool m_bEntered = false;
+    std::atomic<bool> m_bFinished { false };
+};
 
 } // namespace
 
@@ -30,7 +57,7 @@ private slots:
     void trigger_deliversOnePicture()
     {
         GrabBench bench;
-        bench.server.setPicture([](int) { return greyPicture(77); });
+        bench.server.setPicture([](int) { return ScriptedCamera::greyPicture(77); });
         bench.start();
         QVERIFY(bench.camera.IsGrabbing());
         bench.camera.TriggerSoftware.Execute(true);
@@ -117,40 +144,22 @@ private slots:
     void stop_waitsForTheHandlerThatRuns()
     {
         GrabBench bench;
-        Gate gate;
-        std::atomic<bool> finished { false };
-        bench.recorder.onImage = [&](const CGrabResultPtr&) {
-            gate.pass();
-            std::this_thread::sleep_for(Milliseconds(50));
-            finished = true;
-        };
-        bench.start();
-        bench.camera.TriggerSoftware.Execute(true);
-        QTRY_VERIFY(gate.isReached());
-        std::thread opener([&gate] { gate.open(); });
+        SlowHandler handler(bench);
+        QVERIFY(handler.isEntered());
+        handler.letGoOn();
         bench.camera.StopGrabbing();
-        QVERIFY(finished);
+        QVERIFY(handler.isFinished());
         QVERIFY(!bench.camera.IsGrabbing());
-        opener.join();
     }
 
     void deregister_waitsForTheHandlerThatRuns()
     {
         GrabBench bench;
-        Gate gate;
-        std::atomic<bool> finished { false };
-        bench.recorder.onImage = [&](const CGrabResultPtr&) {
-            gate.pass();
-            std::this_thread::sleep_for(Milliseconds(50));
-            finished = true;
-        };
-        bench.start();
-        bench.camera.TriggerSoftware.Execute(true);
-        QTRY_VERIFY(gate.isReached());
-        std::thread opener([&gate] { gate.open(); });
+        SlowHandler handler(bench);
+        QVERIFY(handler.isEntered());
+        handler.letGoOn();
         QVERIFY(bench.camera.DeregisterImageEventHandler(&bench.recorder));
-        QVERIFY(finished);
-        opener.join();
+        QVERIFY(handler.isFinished());
     }
 
     void handlerThatStopsTheCamera_doesNotWaitForItself()
