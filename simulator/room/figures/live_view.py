@@ -35,10 +35,11 @@ def measure(build):
             if (event, next_event) == ("frame", "trigger")
         ]
         yield Figure(f"live view at {EXPOSURE} ms exposure", len(changes) / WATCHED, "frames/s", at_least=25)
-        yield Figure(
-            "dead time of the trigger loop, frame sent to next trigger, median",
-            1000 * statistics.median(dead_times), "ms", at_most=3,
-        )
+        period = statistics.median(after - at for at, after in zip(frames, frames[1:]))
+        dead_time = statistics.median(dead_times)
+        yield Figure("period of the trigger loop, frame to frame, median", 1000 * period, "ms")
+        yield Figure("  of it dead time, frame sent to next trigger, median", 1000 * dead_time, "ms", at_most=3)
+        yield Figure("  its share", 100 * dead_time / period, "%")
         yield Figure(
             "way of a live frame, sent by the camera to seen on the screen, median",
             1000 * statistics.median(_delays(frames, changes)), "ms",
