@@ -1,6 +1,6 @@
 #include "app/MainWindow.h"
 
-#include "app/reply_table.h"
+#include "app/reply_walk.h"
 #include "app/settings.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
@@ -14,26 +14,12 @@ void MainWindow::slot_parsing_protocol_Controller(QString text)
     ui->plainTextEdit_RECEIVED_CMD_CONTROLLER->insertPlainText(text);
     ui->plainTextEdit_RECEIVED_CMD_CONTROLLER->ensureCursorVisible();
 
-    // What stands before the first "$" is no frame.
-    const QStringList pieces = text.split("$");
-    bool dispatched = false;
-    for (int i = 1; i < pieces.size(); ++i) {
-        const QString frame = "$" + pieces[i];
-        const ReplyRow* row = findReply(frame);
-        if (row == nullptr || !fillProtocolInfo(*row, frame, m_protocol_info)) {
-            if (row != nullptr && row->cut == ValueCut::Version) {
-                const QString version = versionText(frame);
-                ui->lineEdit_FIRMWARE->setText(version);
-                settings::write("Software", "Version FW", version.toStdString());
-            }
-            // An unknown frame behind a recognised one repeats the last action, with whatever device it set.
-            if (dispatched)
-                do_protocol_function_Controller(m_protocol_info);
-            continue;
-        }
-        dispatched = true;
-        do_protocol_function_Controller(m_protocol_info);
-    }
+    const auto showVersion = [this](const QString& version) {
+        ui->lineEdit_FIRMWARE->setText(version);
+        settings::write("Software", "Version FW", version.toStdString());
+    };
+    walkReplies(
+        text, m_protocol_info, showVersion, [this] { do_protocol_function_Controller(m_protocol_info); });
 }
 
 void MainWindow::do_protocol_function_Controller(protocol_Controller_info info)

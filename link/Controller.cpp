@@ -1,5 +1,7 @@
 #include "link/Controller.h"
 
+#include "link/reply_text.h"
+
 #include <QDebug>
 #include <QThread>
 
@@ -11,13 +13,6 @@ constexpr int exchangeWaitMs = 10000;
 constexpr unsigned long errorPauseMs = 20;
 
 constexpr char versionQuery[] = "$A#VER\n";
-constexpr char versionReply[] = "$OK#A#VER";
-constexpr char lineEnd[] = "\r\n";
-
-QString textUpToNul(const QByteArray& bytes)
-{
-    return QString::fromLatin1(bytes.constData());
-}
 
 } // namespace
 
@@ -91,20 +86,17 @@ void Controller::slot_Timer_PortFind_Controller()
 
 void Controller::slot_readyRead_Controller()
 {
-    m_readBuffer.append(m_serialPort->readAll());
-    if (!m_readBuffer.endsWith(lineEnd)) {
+    const QByteArray reply = reply_text::take(m_readBuffer, m_serialPort->readAll());
+    if (reply.isEmpty()) {
         return;
     }
-
-    const QByteArray reply = m_readBuffer;
-    m_readBuffer.clear();
     qDebug() << "[Controller] <<----- " << reply;
 
     // Before the signal, so that the parser sees the flag already set.
-    if (!m_bFound && reply.contains(versionReply)) {
+    if (!m_bFound && reply_text::isFromBoard(reply)) {
         m_bFound = true;
     }
-    emit sig_parsing_protocol_Controller(textUpToNul(reply));
+    emit sig_parsing_protocol_Controller(reply_text::upToNul(reply));
 }
 
 void Controller::write_command(QString command)
@@ -122,7 +114,7 @@ QString Controller::direct_read(QString command)
     m_serialPort->waitForBytesWritten(exchangeWaitMs);
 
     QByteArray reply;
-    while (!reply.endsWith(lineEnd)) {
+    while (!reply_text::isComplete(reply)) {
         // A quick answer can have been read while the command was still being written; a wait would then be
         // for bytes that never come.
         if (m_serialPort->bytesAvailable() == 0 && !m_serialPort->waitForReadyRead(exchangeWaitMs)) {
@@ -133,5 +125,5 @@ QString Controller::direct_read(QString command)
     qDebug() << Q_FUNC_INFO << "reply : " << reply;
 
     connect(m_serialPort, &QSerialPort::readyRead, this, &Controller::slot_readyRead_Controller);
-    return textUpToNul(reply);
+    return reply_text::upToNul(reply);
 }

@@ -1,0 +1,34 @@
+#include "link/reply_text.h"
+
+namespace {
+
+constexpr char versionReply[] = "$OK#A#VER";
+constexpr char lineEnd[] = "\r\n";
+
+} // namespace
+
+bool reply_text::isComplete(const QByteArray& bytes)
+{
+    return bytes.endsWith(lineEnd);
+}
+
+QByteArray reply_text::take(QByteArray& buffer, const QByteArray& received)
+{
+    buffer.append(received);
+    if (!isComplete(buffer)) {
+        return {};
+    }
+    const QByteArray reply = buffer;
+    buffer.clear();
+    return reply;
+}
+
+bool reply_text::isFromBoard(const QByteArray& reply)
+{
+    return reply.contains(versionReply);
+}
+
+QString reply_text::upToNul(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.constData());
+}
