@@ -40,6 +40,10 @@ class Picture:
         """Whether nothing at all is shown."""
         return self._pixels.count(0) == len(self._pixels)
 
+    def colours(self):
+        """All pixels as they are, to tell one picture from another."""
+        return self._pixels
+
     def greys(self):
         """Grey values (the green plane), row by row."""
         return self._pixels[1::4]

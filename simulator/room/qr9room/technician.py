@@ -45,7 +45,8 @@ class Technician:
         self._screen.click(*self.form.place(field).centre, count=3)
         self._screen.key("ctrl+a")
         self._screen.type(text)
-        self._screen.key("Return")
+        # With the cursor at its end nothing is left selected.
+        self._screen.key("Return", "End")
 
     def acknowledge(self, title, limit):
         """Waits for a message box and presses its button. Returns when the box has closed."""

@@ -1,16 +1,26 @@
 """Each light channel gets values of its own, which are stored and come back when the channel is chosen again."""
 
+from .. import tray
+from .live_view import VIEW, next_frame
+
 TITLE = "Light"
 LIMIT = 20  # seconds
-
-# Filter position, gain in dB, exposure in ms, LED level. Whole gains: the file keeps no tenths.
-CHANNELS = {"GFP": (2, 6, 90, 310), "RFP": (3, 4, 70, 340), "BF": (1, 1, 40, 8)}
+FILTERS = {"GFP": 2, "RFP": 3, "BF": 1}
+# Gain in dB, exposure in ms, LED level: as bright as the values that a unit comes with, and all of them others.
+# Whole gains: the file keeps no tenths. What the program calls one dB is twice as much with the AR0134.
+CHANNELS = {
+    "basler": {"GFP": (6, 70, 310), "RFP": (4, 90, 340), "BF": (1, 33, 6)},
+    "arducam": {"GFP": (3, 65, 295), "RFP": (1, 100, 345), "BF": (1, 30, 6)},
+}
 
 
 def run(day):
+    tray.load(day, "2ch")
+    tray.to_first_field(day)
     day.hand.open_page("TAB_LIGHT")
-    for name, (filter_position, gain, exposure, level) in CHANNELS.items():
-        _choose(day, name, filter_position)
+    for name, values in CHANNELS[day.truth["camera"]].items():
+        gain, exposure, level = values
+        _choose(day, name)
         day.hand.enter("doubleSpinBox_GAIN", str(gain))
         day.hand.enter("spinBox_EXPOSURE", str(exposure))
         day.hand.enter("spinBox_LED1", str(level))
@@ -22,25 +32,26 @@ def run(day):
         )
         # The fluorescence channels keep a gain for each kind of camera.
         gain_key = "Gain AR" if day.truth["camera"] == "arducam" and name != "BF" else "Gain"
-        values = (*(day.setting(f"Ch. {name}", each) for each in (gain_key, "Exposure")), stored)
-        day.table.same(f"light of {name} stored", f"{gain} dB, {exposure} ms, {level}",
-                       "{} dB, {} ms, {}".format(*values))
+        found = (*(day.setting(f"Ch. {name}", each) for each in (gain_key, "Exposure")), stored)
+        day.table.same(f"light of {name} stored", _words(values), _words(found))
         # To another channel and back: now the values come from the file.
-        _choose(day, *_another(name))
-        _choose(day, name, filter_position)
+        _choose(day, "GFP" if name == "BF" else "BF")
+        _choose(day, name)
+        next_frame(day)
         day.screenshot(f"light-{name}")
-        day.table.same(f"light of {name} recalled", f"{gain} dB, {exposure} ms, {level}", _light(day, name))
+        day.table.same(f"light of {name} recalled", _words(values), _light(day, name))
+    mean, _ = day.hand.picture_of(VIEW).mean_and_deviation()
+    day.table.within("brightness in the new light", mean, 120, 220, "grey values")
 
 
-def _another(name):
-    other = "GFP" if name == "BF" else "BF"
-    return other, CHANNELS[other][0]
+def _words(values):
+    return "{} dB, {} ms, {}".format(*values)
 
 
-def _choose(day, name, filter_position):
+def _choose(day, name):
     begin = len(day.room.program.log())
     day.hand.click(f"pushButton_ILLUMINATION_{name}")
-    day.room.wait_log(f"$OK#A#FILTER GO {filter_position}", LIMIT, begin)
+    day.room.wait_log(f"$OK#A#FILTER GO {FILTERS[name]}", LIMIT, begin)
 
 
 def _light(day, name):
@@ -50,4 +61,4 @@ def _light(day, name):
     camera = state["camera"]
     # What the program calls one dB with the AR0134 is 2 dB of the signal.
     gain = camera["gainDb"] / (2 if day.truth["camera"] == "arducam" else 1)
-    return f"{gain:.0f} dB, {camera['exposureUs'] / 1000:.0f} ms, {level}"
+    return _words((f"{gain:.0f}", f"{camera['exposureUs'] / 1000:.0f}", level))

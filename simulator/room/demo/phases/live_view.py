@@ -1,4 +1,6 @@
-"""A slide lies under the objective, and its picture lives in the window."""
+"""A slide comes in, and its picture lives in the window; the focus is still to be found."""
+
+from .. import tray
 
 TITLE = "Live picture"
 VIEW = "BASLER_VIDEO_WIDGET"
@@ -6,10 +8,8 @@ LIMIT = 10  # seconds
 
 
 def run(day):
-    # The first field of the first channel comes under the objective; the focus is still to be found.
-    instrument = day.room.instrument
-    instrument.ask("set", key="slide", value="2ch")
-    instrument.ask("set", key="x", value=day.truth["derived"]["focusA1"]["x"])
+    tray.load(day, "2ch")
+    tray.to_first_field(day)
     next_frame(day)
     day.screenshot("live-view")
     mean, _ = day.hand.picture_of(VIEW).mean_and_deviation()
@@ -21,6 +21,7 @@ def next_frame(day):
     # Sensor noise makes every frame another one. The one that comes first had been begun before, and one that is
     # caught while it is painted counts twice.
     for _ in range(3):
-        before = day.hand.picture_of(VIEW).greys()
-        day.room.wait_for("the next frame", lambda: day.hand.picture_of(VIEW).greys() != before, LIMIT)
+        # A tinted picture may have nothing but black in one of its colours.
+        before = day.hand.picture_of(VIEW).colours()
+        day.room.wait_for("the next frame", lambda before=before: day.hand.picture_of(VIEW).colours() != before, LIMIT)
     return day.hand.picture_of(VIEW).greys()

@@ -1,8 +1,9 @@
 """The target slide: two of its marks, clicked at by hand, give the magnification and the volume factors."""
 
-import struct
+from qr9room.single import single
 
-from .autofocus import focus
+from .. import tray
+from ..focus import focus
 
 TITLE = "Magnification"
 VIEW = "CAPTURE_IMAGE_WIDGET"
@@ -19,10 +20,8 @@ SLIDES = {"1 Channel": 47, "2 Channel": 12, "3 Channel": 12, "8 Channel": 5, "Pr
 
 
 def run(day):
-    day.room.instrument.ask("set", key="slide", value="target")
-    day.hand.open_page("TAB_LIGHT")
-    day.hand.click("pushButton_ILLUMINATION_BF")
-    focus(day, "focus on the target slide")
+    tray.load(day, "target")
+    focus(day, "focus on the target slide", "target-in-focus")
     day.hand.open_page("TAB_QC1")
     _capture(day)
     view = None
@@ -35,6 +34,11 @@ def run(day):
     day.room.wait_for("the last factor in the file", lambda: day.setting("Volume factor", "Prisma Max"), LIMIT)
     day.screenshot("measured")
     _add_rows(day)
+
+    # For what follows a field of cells lies under the objective.
+    day.hand.click("pushButton_QC_LIVE")
+    tray.load(day, "2ch")
+    tray.to_first_field(day)
 
 
 def _capture(day):
@@ -117,9 +121,5 @@ def _add_rows(day):
 
 def _slide_factor(volume, fields):
     """Samples per millilitre, as the text that the file should hold; each operation in single precision."""
-    counted = _single(float(f"{_single(_single(volume) * fields):.5f}"))
-    return f"{_single(1000 / counted):.5f}"
-
-
-def _single(value):
-    return struct.unpack("f", struct.pack("f", value))[0]
+    counted = single(float(f"{single(single(volume) * fields):.5f}"))
+    return f"{single(1000 / counted):.5f}"

@@ -2,6 +2,8 @@
 
 import re
 
+from .. import tray
+
 TITLE = "Pixel shift"
 RUN_LIMIT = 240  # seconds, for twelve fields
 MOVE_LIMIT = 60
@@ -11,8 +13,9 @@ CHANNELS = ("GFP X", "GFP Y", "RFP X", "RFP Y")
 
 
 def run(day):
-    _go_to_first_field(day)
-    _take_focus_as_reference(day)
+    # The focus of each field is searched around the autofocus reference, which was found on the first one.
+    tray.load(day, "2ch")
+    tray.to_first_field(day)
 
     day.hand.open_page("TAB_QC2")
     begin = len(day.room.program.log())
@@ -22,6 +25,8 @@ def run(day):
         day.room.wait_for(
             f"field {field} of {FIELDS}", lambda: _log(day, begin).count("time.elapsed():") >= field, RUN_LIMIT)
         print(f"{field}/{FIELDS}", end=" ", flush=True)
+        if field == FIELDS // 2:
+            day.screenshot("pixel-shift-under-way")
     day.room.wait_window("Info", MOVE_LIMIT)
     lines = day.room.board_lines()[first_line:]
     day.hand.acknowledge("Info", 10)
@@ -45,27 +50,6 @@ def run(day):
     _expect_stored(day, "stored again", found)
     day.hand.click("pushButton_PIXEL_SHIFT")
     day.hand.wait_shown("BASLER_VIDEO_WIDGET", 10)
-
-
-def _go_to_first_field(day):
-    """The 2-channel slide in, its first field under the objective."""
-    instrument = day.room.instrument
-    day.hand.open_page("TAB_STAGE")
-    day.hand.click("pushButton_INSERT")
-    day.room.wait_for("the slide to be in", lambda: instrument.ask("state")["x"] == 0, MOVE_LIMIT)
-    start = int(day.setting("Start position", "2 Channel") or 30931)
-    day.hand.click("pushButton_FIELD_NEXT")
-    day.room.wait_for("the first field", lambda: instrument.ask("state")["x"] == start, MOVE_LIMIT)
-
-
-def _take_focus_as_reference(day):
-    """The fields behind the first are searched near the reference alone."""
-    day.hand.click("pushButton_AUTOFOCUS")
-    day.room.wait_window("Info", RUN_LIMIT)
-    day.hand.acknowledge("Info", 10)
-    day.hand.click("pushButton_REFERENCE_AUTOFOCUS_SET")
-    z = str(day.room.instrument.ask("state")["z"])
-    day.room.wait_for("the reference to be stored", lambda: day.setting("Calibration", "Z reference") == z, 10)
 
 
 def _log(day, begin):

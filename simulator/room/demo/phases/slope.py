@@ -1,9 +1,8 @@
 """The 2-channel slide comes in, and the program finds out how far its carrier is tilted along X."""
 
-import re
+from .. import tray
 
 TITLE = "Z slope calibration"
-INSERT_LIMIT = 60  # seconds
 LIMIT = 400  # seconds: two coarse and fine runs
 FINE_STEP = 115  # motor steps
 DISTANCE_MM = 39.0  # of the two fields along X
@@ -13,9 +12,7 @@ HEIGHTS = {"Z reference": 0, "Z ref 1ch": -640, "Z ref 2ch": 1920, "Z ref 3ch": 
 
 
 def run(day):
-    day.room.instrument.ask("set", key="slide", value="2ch")
-    day.hand.open_page("TAB_STAGE")
-    _insert(day)
+    tray.load(day, "2ch")
     before = len(day.room.board_lines())
     day.hand.click("pushButton_REFERENCE_Z_SLOPE")
     day.room.wait_window("Info", LIMIT)
@@ -34,14 +31,3 @@ def run(day):
     day.table.near("Z ref slope", (true[1] - true[0]) / DISTANCE_MM, slope, allowed, "steps/mm", digits=3)
     for key, height in HEIGHTS.items():
         day.table.same(key, str(found[0] + height), day.setting("Calibration", key))
-
-
-def _insert(day):
-    """Brings the slide in; the reply to the last move comes when it has arrived."""
-    before = len(day.room.board_log())
-    day.hand.click("pushButton_INSERT")
-    day.room.wait_for(
-        "the slide to come in",
-        lambda: any(re.search(r"< \$OK#X#STAGE ABS 0\b", line) for line in day.room.board_log()[before:]),
-        INSERT_LIMIT,
-    )

@@ -2,6 +2,8 @@
 
 from qr9room.errors import RoomError
 
+from .. import tray
+from ..focus import focus
 from .live_view import VIEW, next_frame
 
 TITLE = "X reference mark"
@@ -15,13 +17,11 @@ STARTS = {"1 Channel": -2107, "2 Channel": 18931, "3 Channel": 18505, "8 Channel
 
 def run(day):
     instrument = day.room.instrument
-    instrument.ask("set", key="slide", value="empty")  # nothing but the tray with its mark
-    day.hand.open_page("TAB_QC1")
-    day.hand.click("pushButton_QC_LIVE")  # in case a still picture is on view
-    day.hand.open_page("TAB_LIGHT")
-    _press(day, "pushButton_ILLUMINATION_BF", "$OK#A#FILTER GO 1")
+    tray.load(day, "empty")  # nothing but the tray with its mark
     day.hand.open_page("TAB_QC2")
-    _press(day, "pushButton_START_X_REF", f"$OK#X#STAGE ABS {NOMINAL}\\r")
+    tray.press(day, "pushButton_START_X_REF", NOMINAL)
+    focus(day, "focus on the reference mark", "mark-in-focus")
+    day.hand.open_page("TAB_QC2")
     driven = NOMINAL
     offset = _offset(day)
     sense = 1  # a picture that is turned over moves the other way
@@ -34,7 +34,10 @@ def run(day):
         offset = _offset(day)
         if abs(offset) > abs(before):
             sense = -sense
+    day.hand.click("checkBox_CROSS_LINE")
+    next_frame(day)
     day.screenshot("x-reference")
+    day.hand.click("checkBox_CROSS_LINE")
 
     day.hand.click("pushButton_START_X_CALIBRATION")
     day.room.wait_for(
@@ -47,7 +50,7 @@ def run(day):
     expected = {key: mark + distance for key, distance in STARTS.items()}
     day.table.same("start positions stored", len(STARTS), sum(stored[key] == expected[key] for key in STARTS))
 
-    _press(day, "pushButton_START_X_REF", f"$OK#X#STAGE ABS {mark}\\r")
+    tray.press(day, "pushButton_START_X_REF", mark)
     day.table.same("X after Reference", mark, instrument.ask("state")["x"])
 
 
@@ -69,11 +72,7 @@ def _step(day, steps):
     day.hand.enter("lineEdit_STEP_X", str(abs(steps)))
     day.hand.click("pushButton_STEP_X")
     day.room.wait_log("$OK#X#STAGE STEP", LIMIT, begin)
-    _press(day, "pushButton_MVP_X" if steps > 0 else "pushButton_MVN_X", "$OK#X#STAGE RUN#")
-    return steps
-
-
-def _press(day, button, reply):
     begin = len(day.room.program.log())
-    day.hand.click(button)
-    day.room.wait_log(reply, LIMIT, begin)
+    day.hand.click("pushButton_MVP_X" if steps > 0 else "pushButton_MVN_X")
+    day.room.wait_log("$OK#X#STAGE RUN#", LIMIT, begin)
+    return steps
