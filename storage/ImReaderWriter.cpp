@@ -23,7 +23,7 @@ constexpr std::array<TypeName, 5> typeNames { {
     { "raw", IMAGE_RAW },
 } };
 
-// The one geometry of raw files.
+/// The one geometry of raw files.
 constexpr std::uint32_t rawWidth = 1280;
 constexpr std::uint32_t rawHeight = 1024;
 constexpr std::uint32_t rawSamples = rawWidth * rawHeight;

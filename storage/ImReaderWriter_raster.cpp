@@ -39,7 +39,7 @@ QImage::Format formatOf(int bitsPerPixel)
 
 } // namespace
 
-// Saves nothing and returns false for an image without pixels or of a depth that these types do not have.
+/// Saves nothing and returns false for an image without pixels or of a depth that these types do not have.
 bool ImReaderWriter::saveRaster(const std::string& path, const char* format) const
 {
     const QImage::Format pixelFormat = formatOf(m_bits_per_pixel);

@@ -8,7 +8,7 @@ namespace general {
 
 namespace {
 
-// Far above every image of the instrument; keeps a damaged header from asking for all of the memory.
+/// Far above every image of the instrument; keeps a damaged header from asking for all of the memory.
 constexpr std::uint64_t largestImageBytes = std::uint64_t { 256 } * 1024 * 1024;
 
 struct TiffCloser {
@@ -16,7 +16,7 @@ struct TiffCloser {
 };
 using TiffFile = std::unique_ptr<TIFF, TiffCloser>;
 
-// How many samples are held for a pixel of so many bits; 0 for depths that are not read.
+/// How many samples are held for a pixel of so many bits; 0 for depths that are not read.
 unsigned samplesHeldPerPixel(unsigned bitsPerPixel)
 {
     switch (bitsPerPixel) {

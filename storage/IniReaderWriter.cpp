@@ -15,7 +15,7 @@ QString widened(const std::string& text)
     return QString::fromLatin1(text.data(), static_cast<int>(text.size()));
 }
 
-// The reader gives UTF-8, so that is what a value is taken for; bytes that are not are taken as Latin-1.
+/// The reader gives UTF-8, so that is what a value is taken for; bytes that are not are taken as Latin-1.
 QString valueText(const std::string& value)
 {
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);

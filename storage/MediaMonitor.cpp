@@ -20,8 +20,8 @@ namespace {
 constexpr int programLimitMs = 30000;
 constexpr char noLabel[] = "Removable Disk";
 
-// Runs a program of the system to its end. One that hangs is left to itself, killed: it may be stuck in the
-// kernel, where waiting for its death would hang us too.
+/// Runs a program of the system to its end. One that hangs is left to itself, killed: it may be stuck in the
+/// kernel, where waiting for its death would hang us too.
 void run(const QString& program, const QStringList& arguments)
 {
     auto* process = new QProcess;

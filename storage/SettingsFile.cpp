@@ -13,8 +13,8 @@ namespace {
 
 using Values = QMap<QString, QStringList>;
 
-// Everything that can be asked for by its key; a damaged file can hold keys that begin with a slash, which
-// cannot.
+/// Everything that can be asked for by its key; a damaged file can hold keys that begin with a slash, which
+/// cannot.
 Values readableValues(const QSettings& settings)
 {
     Values values;

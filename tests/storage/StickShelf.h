@@ -4,40 +4,40 @@
 #include <QString>
 #include <QStringList>
 
-// USB sticks for tests in a room: plugs them by the links below /dev/disk, and stands before the system's
-// mount and umount. A stick's files are a folder of its own, and mounts are real ones of the room.
+/// USB sticks for tests in a room: plugs them by the links below /dev/disk, and stands before the system's
+/// mount and umount. A stick's files are a folder of its own, and mounts are real ones of the room.
 class StickShelf {
 public:
-    // What the next calls of mount do; umount always does its work.
+    /// What the next calls of mount do; umount always does its work.
     enum class Mounting { works, fails, hangs };
 
-    // Empties /media and /dev/disk, forgets all calls.
+    /// Empties /media and /dev/disk, forgets all calls.
     StickShelf();
-    // Takes every mount away.
+    /// Takes every mount away.
     ~StickShelf();
     StickShelf(const StickShelf&) = delete;
     StickShelf& operator=(const StickShelf&) = delete;
 
-    // Links appear as udev makes them; without a label there is no link to it. The device is one as
-    // "/dev/sdb1".
+    /// Links appear as udev makes them; without a label there is no link to it. The device is one as
+    /// "/dev/sdb1".
     void plug(const QString& device, const QString& uuid, const QString& labelLink = {}) const;
     void unplug(const QString& uuid, const QString& labelLink = {}) const;
 
     void setMounting(Mounting mounting) const;
-    // Mounts as another program would.
+    /// Mounts as another program would.
     void mountByHand(const QString& device, const QString& folder) const;
-    // A line of /etc/mtab that stays, whatever is mounted.
+    /// A line of /etc/mtab that stays, whatever is mounted.
     void addMtabLine(const QByteArray& line) const;
-    // Ends a mount that hangs, as soon as it has begun; returns at once.
+    /// Ends a mount that hangs, as soon as it has begun; returns at once.
     void endHangingMountSoon() const;
 
-    // Where the stick's files are, mounted or not.
+    /// Where the stick's files are, mounted or not.
     static QString filesOf(const QString& device);
-    // The calls of mount and umount since the start: "mount /dev/sdb1 /media/STICK".
+    /// The calls of mount and umount since the start: "mount /dev/sdb1 /media/STICK".
     static QStringList calls();
 };
 
-// Writes the text to the file, makes its folders; the test fails when that cannot be done.
+/// Writes the text to the file, makes its folders; the test fails when that cannot be done.
 void writeFile(const QString& path, const QByteArray& text);
-// The text of the file, or "no file".
+/// The text of the file, or "no file".
 QByteArray textOf(const QString& path);

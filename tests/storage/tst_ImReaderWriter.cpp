@@ -13,7 +13,7 @@
 
 using general::ImReaderWriter;
 
-// The image in memory, the types that Qt writes, and what fails.
+/// The image in memory, the types that Qt writes, and what fails.
 class tst_ImReaderWriter : public QObject {
     Q_OBJECT
 

@@ -13,7 +13,7 @@ constexpr int rawSamples = 1280 * 1024;
 
 } // namespace
 
-// Raw files: bare samples, known by their size.
+/// Raw files: bare samples, known by their size.
 class tst_ImReaderWriter_raw : public QObject {
     Q_OBJECT
 

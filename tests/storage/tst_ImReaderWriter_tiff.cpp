@@ -10,7 +10,7 @@ using general::ImReaderWriter;
 
 namespace {
 
-// What a program of other makers says on standard output, or nothing where it is not installed.
+/// What a program of other makers says on standard output, or nothing where it is not installed.
 QByteArray outputOf(const QString& program, const QStringList& arguments)
 {
     QProcess process;
@@ -21,7 +21,7 @@ QByteArray outputOf(const QString& program, const QStringList& arguments)
 
 } // namespace
 
-// TIFF files, checked by the library itself and by programs of other makers.
+/// TIFF files, checked by the library itself and by programs of other makers.
 class tst_ImReaderWriter_tiff : public QObject {
     Q_OBJECT
 
@@ -272,7 +272,7 @@ void tst_ImReaderWriter_tiff::readTiff_ofOtherShapes_data()
     row("3 planes of 16 bits", 16, 3, PLANARCONFIG_SEPARATE, 1, true);
 }
 
-// Whatever is read, nothing is overrun when it is written again.
+/// Whatever is read, nothing is overrun when it is written again.
 void tst_ImReaderWriter_tiff::readTiff_ofOtherShapes()
 {
     QFETCH(unsigned short, bits);

@@ -17,7 +17,7 @@
 
 namespace {
 
-// For its lifetime no file grows beyond so many bytes: a disk that runs full at that point.
+/// For its lifetime no file grows beyond so many bytes: a disk that runs full at that point.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t bytes)
@@ -409,7 +409,7 @@ void tst_IniReaderWriter::folderInPlaceOfTheFile_staysAsItIs()
     QVERIFY(QDir(name()).isEmpty());
 }
 
-// Nothing of the failed write may come up: not in a read, not in the file, not with the next write.
+/// Nothing of the failed write may come up: not in a read, not in the file, not with the next write.
 void tst_IniReaderWriter::compareUnchangedAfterFailedWrite(const QByteArray& before) const
 {
     QCOMPARE(valueOf("Group", "key"), std::string("old"));

@@ -12,7 +12,7 @@ using Mounting = StickShelf::Mounting;
 
 namespace {
 
-// What a technician sees below /media.
+/// What a technician sees below /media.
 QStringList media()
 {
     return QDir("/media").entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
@@ -26,7 +26,7 @@ storage_t firstOf(const MediaMonitor& monitor)
 
 } // namespace
 
-// Sticks that come and go.
+/// Sticks that come and go.
 class tst_MediaMonitor : public QObject {
     Q_OBJECT
 

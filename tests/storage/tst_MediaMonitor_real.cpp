@@ -21,8 +21,8 @@ void unplug()
 
 } // namespace
 
-// The monitor on a real block device, mounted by the system's own programs; see with_real_stick, which reads
-// the file of the test back from the stick's image.
+/// The monitor on a real block device, mounted by the system's own programs; see with_real_stick, which reads
+/// the file of the test back from the stick's image.
 class tst_MediaMonitor_real : public QObject {
     Q_OBJECT
 

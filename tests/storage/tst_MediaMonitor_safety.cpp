@@ -21,7 +21,7 @@ QStringList media()
 
 } // namespace
 
-// What the monitor must never do: touch the system disk, leave /media, or delete what is on a stick.
+/// What the monitor must never do: touch the system disk, leave /media, or delete what is on a stick.
 class tst_MediaMonitor_safety : public QObject {
     Q_OBJECT
 
