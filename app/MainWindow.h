@@ -422,8 +422,8 @@ private:
 
     // Image capture to a stick
 
-    /// Takes a frame after one exposure and 250 ms and writes it; returns when it is written.
-    void captureChannel(const QString& file);
+    /// Takes a frame after one exposure and 250 ms and saves it; returns when that is done.
+    void saveFrameWhenSettled();
 
     // Identity, options and mirrors
 
@@ -507,7 +507,7 @@ private:
 
     MediaMonitor m_media_monitor;
     QString m_usb_mount_path; ///< of the stick that the last capture found; empty: none
-    QString m_save_file_name;
+    QString m_save_file_name; ///< full path of the picture of the current channel
 
     Ui::MainWindow* ui = nullptr;
 };

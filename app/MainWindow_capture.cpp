@@ -1,9 +1,10 @@
 #include "app/MainWindow.h"
 
+#include "app/channel_picture.h"
 #include "storage/ImReaderWriter.h"
 #include "ui_MainWindow.h"
 
-#include <opencv2/imgproc.hpp>
+#include <opencv2/core.hpp>
 
 #include <QDebug>
 #include <QEventLoop>
@@ -18,25 +19,6 @@ constexpr int kFrameHeight = 960;
 constexpr int kSettlingMs = 250;
 constexpr unsigned short kCompressionLzw = 5;
 constexpr unsigned short kPhotometricRgb = 2;
-
-/// The grey frame in the planes of its channel. The planes are built blue, green, red and turned to red,
-/// green, blue, the order of the file. A channel that is none leaves the grey frame, as it is, in all three.
-cv::Mat colourCoded(const cv::Mat& frame, ILLUMINATION_type channel)
-{
-    const cv::Mat zero = cv::Mat::zeros(frame.size(), CV_8UC1);
-    cv::Mat planes[] = { frame, frame, frame };
-    if (channel == ILLUMINATION_GFP) {
-        planes[0] = zero;
-        planes[2] = zero;
-    } else if (channel == ILLUMINATION_RFP) {
-        planes[0] = zero;
-        planes[1] = zero;
-    }
-    cv::Mat coded;
-    cv::merge(planes, 3, coded);
-    cv::cvtColor(coded, coded, cv::COLOR_BGR2RGB);
-    return coded;
-}
 
 } // namespace
 
@@ -56,23 +38,25 @@ void MainWindow::on_pushButton_CAPTURE_clicked()
     if (name.isEmpty())
         return;
     if (ui->checkBox_CAPTURE_BF->isChecked()) {
+        m_save_file_name = name + "_BF.tif";
         on_pushButton_ILLUMINATION_BF_clicked();
-        captureChannel(name + "_BF.tif");
+        saveFrameWhenSettled();
     }
     if (ui->checkBox_CAPTURE_GFP->isChecked()) {
+        m_save_file_name = name + "_GFP.tif";
         on_pushButton_ILLUMINATION_GFP_clicked();
-        captureChannel(name + "_GFP.tif");
+        saveFrameWhenSettled();
     }
     if (ui->checkBox_CAPTURE_RFP->isChecked()) {
+        m_save_file_name = name + "_RFP.tif";
         on_pushButton_ILLUMINATION_RFP_clicked();
-        captureChannel(name + "_RFP.tif");
+        saveFrameWhenSettled();
     }
     QMessageBox::information(this, "Info", "finish save Image !", QMessageBox::Ok);
 }
 
-void MainWindow::captureChannel(const QString& file)
+void MainWindow::saveFrameWhenSettled()
 {
-    m_save_file_name = file;
     // LED and filter wheel settle, and the exposure begins anew.
     const int exposure = ui->spinBox_EXPOSURE->text().toInt();
     QEventLoop loop;
@@ -84,8 +68,8 @@ void MainWindow::captureChannel(const QString& file)
 void MainWindow::slot_save_ImageGrabbed()
 {
     const cv::Mat frame = cv::Mat(kFrameHeight, kFrameWidth, CV_8UC1, basler_camera_grab()).clone();
-    cv::Mat coded = colourCoded(frame, m_illumination_type);
-    save_ImageGrabbed(coded.data, kFrameWidth, kFrameHeight);
+    cv::Mat picture = channelPicture(frame, m_illumination_type);
+    save_ImageGrabbed(picture.data, kFrameWidth, kFrameHeight);
 }
 
 void MainWindow::save_ImageGrabbed(unsigned char* pixels, int width, int height)

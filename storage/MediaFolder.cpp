@@ -3,6 +3,7 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
@@ -21,12 +22,28 @@ QString asFolderName(QString name)
     return name;
 }
 
-bool isOnItsOwnFileSystem(const QString& path)
+bool isOnFileSystemOfMedia(const QString& path)
 {
     struct stat entry { };
     struct stat media { };
-    return lstat(QFile::encodeName(path).constData(), &entry) != 0 || stat(folder, &media) != 0
-        || entry.st_dev != media.st_dev;
+    return lstat(QFile::encodeName(path).constData(), &entry) == 0 && stat(folder, &media) == 0
+        && entry.st_dev == media.st_dev;
+}
+
+/// Whether nothing is mounted on the folder or below it, whatever the list of mounts says.
+bool isWithoutMounts(const QString& path)
+{
+    if (!isOnFileSystemOfMedia(path)) {
+        return false;
+    }
+    QDirIterator folders(
+        path, QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (folders.hasNext()) {
+        if (!isOnFileSystemOfMedia(folders.next())) {
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -71,14 +88,13 @@ void removeStale(const QString& name)
 {
     const QString stale = path(name);
     const MountTable table;
-    if (!table.isReadable() || table.reachesInto(QFileInfo(folder).canonicalFilePath() + '/' + name)
-        || isOnItsOwnFileSystem(stale)) {
+    if (!table.isReadable() || table.reachesInto(QFileInfo(folder).canonicalFilePath() + '/' + name)) {
         return;
     }
-    if (QFileInfo(stale).isDir() && !QFileInfo(stale).isSymLink()) {
-        QDir(stale).removeRecursively();
-    } else {
+    if (!QFileInfo(stale).isDir() || QFileInfo(stale).isSymLink()) {
         QFile::remove(stale);
+    } else if (isWithoutMounts(stale)) {
+        QDir(stale).removeRecursively();
     }
 }
 

@@ -36,6 +36,12 @@ void emptyFolder(const QString& path)
     QVERIFY(QDir().mkpath(path));
 }
 
+void setBehaviour(const QString& program, StickShelf::Behaviour behaviour)
+{
+    const char* words[] = { "works", "fails", "complains", "hangs" };
+    writeFile(shelf + '/' + program, words[static_cast<int>(behaviour)]);
+}
+
 void clearUp()
 {
     const QStringList places = mountPoints();
@@ -75,7 +81,8 @@ StickShelf::StickShelf()
     writeFile(shelf + "/calls", "");
     writeFile(shelf + "/mtab_lines", "");
     writeFile(mtab, "");
-    setMounting(Mounting::works);
+    setMounting(Behaviour::works);
+    setUnmounting(Behaviour::works);
     qputenv("PATH", QFile::encodeName(programs + ":/usr/bin:/bin"));
 }
 
@@ -104,10 +111,19 @@ void StickShelf::unplug(const QString& uuid, const QString& labelLink) const
     QVERIFY(QFile::remove("/dev/disk/by-uuid/" + uuid));
 }
 
-void StickShelf::setMounting(Mounting mounting) const
+void StickShelf::setMounting(Behaviour behaviour) const
 {
-    const char* words[] = { "works", "fails", "hangs" };
-    writeFile(shelf + "/mounting", words[static_cast<int>(mounting)]);
+    setBehaviour("mount", behaviour);
+}
+
+void StickShelf::setUnmounting(Behaviour behaviour) const
+{
+    setBehaviour("umount", behaviour);
+}
+
+void StickShelf::makeSmall(const QString& device, int kilobytes) const
+{
+    writeFile(shelf + "/size/" + QFileInfo(device).fileName(), QByteArray::number(kilobytes) + 'k');
 }
 
 void StickShelf::mountByHand(const QString& device, const QString& folder) const
@@ -122,12 +138,17 @@ void StickShelf::addMtabLine(const QByteArray& line) const
     runToTheEnd(programs + "/list_mounts");
 }
 
-void StickShelf::endHangingMountSoon() const
+void StickShelf::endHangingProgramSoon() const
 {
     QVERIFY(QProcess::startDetached("/bin/sh",
         { "-c",
             "until [ -s /run/rig/shelf/hanging ]; do sleep 0.05; done; kill -9 $(cat "
             "/run/rig/shelf/hanging)" }));
+}
+
+QString StickShelf::hangingProcess()
+{
+    return textOf(shelf + "/hanging").trimmed();
 }
 
 QString StickShelf::filesOf(const QString& device)

@@ -8,8 +8,9 @@
 /// mount and umount. A stick's files are a folder of its own, and mounts are real ones of the room.
 class StickShelf {
 public:
-    /// What the next calls of mount do; umount always does its work.
-    enum class Mounting { works, fails, hangs };
+    /// What the next calls of a program do: its work; nothing, with an error; its work, and an error all the
+    /// same; nothing, without an end.
+    enum class Behaviour { works, fails, complains, hangs };
 
     /// Empties /media and /dev/disk, forgets all calls.
     StickShelf();
@@ -23,13 +24,18 @@ public:
     void plug(const QString& device, const QString& uuid, const QString& labelLink = {}) const;
     void unplug(const QString& uuid, const QString& labelLink = {}) const;
 
-    void setMounting(Mounting mounting) const;
+    void setMounting(Behaviour behaviour) const;
+    void setUnmounting(Behaviour behaviour) const;
+    /// The stick has room for so many kilobytes from its next mount on; its files are lost with an umount.
+    void makeSmall(const QString& device, int kilobytes) const;
     /// Mounts as another program would.
     void mountByHand(const QString& device, const QString& folder) const;
     /// A line of /etc/mtab that stays, whatever is mounted.
     void addMtabLine(const QByteArray& line) const;
-    /// Ends a mount that hangs, as soon as it has begun; returns at once.
-    void endHangingMountSoon() const;
+    /// Ends a program that hangs, as soon as it has begun; returns at once.
+    void endHangingProgramSoon() const;
+    /// The process of the program that hung or hangs.
+    static QString hangingProcess();
 
     /// Where the stick's files are, mounted or not.
     static QString filesOf(const QString& device);

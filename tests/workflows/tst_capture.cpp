@@ -1,14 +1,16 @@
+#include "camera/framedelivery.h"
 #include "tests/storage/StickShelf.h"
-#include "tests/workflows/Desk.h"
+#include "tests/workflows/CapturePanel.h"
 
-#include <QCheckBox>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <numeric>
 
-/// Pictures of the channels on a USB stick.
+/// Pictures of the channels as files.
 class tst_capture : public QObject {
     Q_OBJECT
 
@@ -16,26 +18,24 @@ private slots:
     void init();
     void cleanup();
 
-    void threeChannels_areThreeColourFilesOnTheStick();
+    void threeChannels_areThreeColourFiles();
+    void planes_areTheFrameToThePixel();
     void noBoxTicked_writesNothingAndStillFinishes();
     void cancelledDialog_endsWithoutMessage();
-    void nameWithExtension_getsTheSuffixBehindIt();
+    void dialog_asksForTheNameOfATiffFile();
+    void name_getsTheSuffixBehindIt_data();
+    void name_getsTheSuffixBehindIt();
+
+    void frame_isTakenOneExposureAndAQuarterSecondBehindTheLight();
+    void window_staysLiveDuringTheSequence();
     void folderThatCannotBeWritten_isLoggedAndTheSequenceGoesOn();
-    void stickPulledDuringTheCapture_doesNotStopTheProgram();
-    void unmountBeforeAnyCapture_doesNothing();
-    void unmount_releasesTheStick();
-    void unmountOfABusyStick_showsNothing();
     void lightStaysOnTheLastChannel();
-    void stickThatIsThereAtStart_isMountedAndReleasedWithTheWindow();
 
 private:
-    void tick(bool bf, bool gfp, bool rfp);
-    /// Answers the next dialog with this file name.
-    void nameNext(const QString& path);
-    bool capture() { return hand::click(m_desk->window(), "pushButton_CAPTURE"); }
-
     std::unique_ptr<StickShelf> m_shelf;
     std::unique_ptr<Desk> m_desk;
+    std::unique_ptr<CapturePanel> m_panel;
+    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 namespace {
@@ -54,6 +54,16 @@ QByteArray planeOf(const QString& file, const char* plane)
     return outputOf("convert", { file, "-channel", plane, "-separate", "-depth", "8", "gray:-" });
 }
 
+/// The newest frame stays: the source takes no more of them.
+void holdTheFrame()
+{
+    FrameDelivery* source = FrameDelivery::m_pInstance;
+    QSignalSpy frames(source, &FrameDelivery::sig_imgReady);
+    source->setAutoTriggeringMode(false);
+    QTRY_VERIFY(!source->getAutoTriggeringMode());
+    while (frames.wait(patience::limit(500))) { }
+}
+
 } // namespace
 
 void tst_capture::init()
@@ -63,43 +73,26 @@ void tst_capture::init()
     m_desk.reset(new Desk);
     QVERIFY(m_desk->connectUnit());
     QVERIFY(m_desk->rig.set("x", 30931));
+    m_panel.reset(new CapturePanel(*m_desk));
+    m_folder.reset(new QTemporaryDir);
 }
 
 void tst_capture::cleanup()
 {
+    m_panel.reset();
     m_desk.reset();
     m_shelf.reset();
 }
 
-void tst_capture::tick(bool bf, bool gfp, bool rfp)
+void tst_capture::threeChannels_areThreeColourFiles()
 {
-    m_desk->widget<QCheckBox>("checkBox_CAPTURE_BF")->setChecked(bf);
-    m_desk->widget<QCheckBox>("checkBox_CAPTURE_GFP")->setChecked(gfp);
-    m_desk->widget<QCheckBox>("checkBox_CAPTURE_RFP")->setChecked(rfp);
-}
-
-void tst_capture::nameNext(const QString& path)
-{
-    m_desk->boxes.handleNext([path](QDialog& dialog) {
-        auto* files = qobject_cast<QFileDialog*>(&dialog);
-        QVERIFY(files != nullptr);
-        files->setDirectory(QFileInfo(path).path());
-        files->selectFile(path);
-        dialog.done(QDialog::Accepted);
-    });
-}
-
-void tst_capture::threeChannels_areThreeColourFilesOnTheStick()
-{
-    m_shelf->plug("/dev/sdb1", "1234-ABCD", "FACTORY");
-    QVERIFY(patience::waitFor([] { return QFileInfo::exists("/media/FACTORY"); }));
-    tick(true, true, true);
-    nameNext("/media/FACTORY/unit");
+    m_panel->tick(true, true, true);
+    m_panel->nameNext(m_folder->filePath("unit"));
     QHash<QString, QByteArray> frames;
     int saved = 0;
     connect(&m_desk->window(), &MainWindow::sig_finish_save_ImageGrabbed, this, [&] { ++saved; });
     const int mark = m_desk->rig.mark();
-    QVERIFY(capture());
+    QVERIFY(m_panel->capture());
     QCOMPARE(saved, 3);
     QCOMPARE(m_desk->boxes.boxes().size(), 2);
     QCOMPARE(m_desk->boxes.boxes()[0].title, QString("Save Image"));
@@ -112,7 +105,7 @@ void tst_capture::threeChannels_areThreeColourFilesOnTheStick()
 
     const QByteArray black(1280 * 960, '\0');
     for (const QString channel : { "BF", "GFP", "RFP" }) {
-        const QString file = "/media/FACTORY/unit_" + channel + ".tif";
+        const QString file = m_folder->filePath("unit_" + channel + ".tif");
         const QString tags = outputOf("tiffinfo", { file });
         QVERIFY2(tags.contains("Image Width: 1280 Image Length: 960"), qPrintable(tags));
         QVERIFY(tags.contains("Bits/Sample: 8"));
@@ -146,132 +139,154 @@ void tst_capture::threeChannels_areThreeColourFilesOnTheStick()
     QVERIFY(mean(frames["RFP"]) < 60.0);
 }
 
+void tst_capture::planes_areTheFrameToThePixel()
+{
+    holdTheFrame();
+    const auto grab = [this] {
+        return QByteArray(reinterpret_cast<char*>(m_desk->window().basler_camera_grab()), 1280 * 960);
+    };
+    const QByteArray frame = grab();
+    QVERIFY(frame != QByteArray(1280 * 960, frame[0]));
+    m_panel->tick(true, true, true);
+    m_panel->nameNext(m_folder->filePath("unit"));
+    QVERIFY(m_panel->capture());
+    QCOMPARE(grab(), frame); // no other frame has come in between
+
+    const QByteArray zero(1280 * 960, '\0');
+    for (const QString channel : { "BF", "GFP", "RFP" }) {
+        const QString file = m_folder->filePath("unit_" + channel + ".tif");
+        QVERIFY(planeOf(file, "R") == (channel == "GFP" ? zero : frame));
+        QVERIFY(planeOf(file, "G") == (channel == "RFP" ? zero : frame));
+        QVERIFY(planeOf(file, "B") == (channel == "BF" ? frame : zero));
+    }
+}
+
 void tst_capture::noBoxTicked_writesNothingAndStillFinishes()
 {
-    QTemporaryDir folder;
-    tick(false, false, false);
-    nameNext(folder.filePath("unit"));
+    m_panel->tick(false, false, false);
+    m_panel->nameNext(m_folder->filePath("unit"));
     const int mark = m_desk->rig.mark();
-    QVERIFY(capture());
-    QCOMPARE(m_desk->boxes.texts().last(), QString("finish save Image !"));
+    QVERIFY(m_panel->capture());
+    QCOMPARE(m_desk->boxes.boxes().size(), 2);
+    QCOMPARE(m_desk->boxes.boxes()[0].title, QString("Save Image"));
+    QCOMPARE(m_desk->boxes.boxes()[1].text, QString("finish save Image !"));
     QCOMPARE(m_desk->rig.sentSince(mark), QStringList());
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList());
+    QVERIFY(!m_desk->log.contains("[save_grabImage]"));
+    QVERIFY(QDir(m_folder->path()).isEmpty());
 }
 
 void tst_capture::cancelledDialog_endsWithoutMessage()
 {
-    m_desk->boxes.handleNext([](QDialog& dialog) { dialog.reject(); });
+    m_panel->tick(true, true, true);
+    m_panel->cancelNext();
     const int mark = m_desk->rig.mark();
-    QVERIFY(capture());
+    QVERIFY(m_panel->capture());
     QCOMPARE(m_desk->boxes.boxes().size(), 1);
+    QCOMPARE(m_desk->boxes.boxes()[0].title, QString("Save Image"));
     QCOMPARE(m_desk->rig.sentSince(mark), QStringList());
+    QVERIFY(!m_desk->log.contains("[save_grabImage]"));
 }
 
-void tst_capture::nameWithExtension_getsTheSuffixBehindIt()
+void tst_capture::dialog_asksForTheNameOfATiffFile()
 {
-    QTemporaryDir folder;
-    tick(true, false, false);
-    nameNext(folder.filePath("a.tif"));
-    QVERIFY(capture());
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList({ "a.tif_BF.tif" }));
+    bool isSave = false;
+    QStringList filters;
+    m_desk->boxes.lookAtEach([&](QDialog& dialog) {
+        if (const auto* files = qobject_cast<QFileDialog*>(&dialog)) {
+            isSave = files->acceptMode() == QFileDialog::AcceptSave;
+            filters = files->nameFilters();
+        }
+    });
+    m_panel->cancelNext();
+    QVERIFY(m_panel->capture());
+    QVERIFY(isSave);
+    QCOMPARE(filters, QStringList("TIFF Image (*.tif)"));
+}
+
+void tst_capture::name_getsTheSuffixBehindIt_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("with an extension") << "a.tif"
+                                       << "a.tif_BF.tif";
+    QTest::newRow("without an extension") << "a"
+                                          << "a_BF.tif";
+    QTest::newRow("blanks and letters beyond ASCII")
+        << QString::fromUtf8("Zelle \u00b5 1") << QString::fromUtf8("Zelle \u00b5 1_BF.tif");
+}
+
+void tst_capture::name_getsTheSuffixBehindIt()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, file);
+    m_panel->tick(true, false, false);
+    m_panel->nameNext(m_folder->filePath(name));
+    QVERIFY(m_panel->capture());
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList(file));
+}
+
+void tst_capture::frame_isTakenOneExposureAndAQuarterSecondBehindTheLight()
+{
+    // The exposure is that of the new channel, and not what stood in the box before.
+    m_desk.reset();
+    Desk::putSettings("[Ch.%20GFP]\nExposure=700\n");
+    m_desk.reset(new Desk);
+    QVERIFY(m_desk->connectUnit());
+    m_panel.reset(new CapturePanel(*m_desk));
+    m_panel->tick(false, true, false);
+    m_panel->nameNext(m_folder->filePath("unit"));
+    QElapsedTimer sinceTheName;
+    m_desk->boxes.lookAtEach([&](QDialog&) {
+        if (!sinceTheName.isValid())
+            sinceTheName.start();
+    });
+    qint64 ms = 0;
+    connect(&m_desk->window(), &MainWindow::sig_finish_save_ImageGrabbed, this,
+        [&] { ms = sinceTheName.elapsed(); });
+    QVERIFY(m_panel->capture());
+    QVERIFY2(ms >= 950, qPrintable(QString::number(ms)));
+}
+
+void tst_capture::window_staysLiveDuringTheSequence()
+{
+    m_panel->tick(true, false, false);
+    m_panel->nameNext(m_folder->filePath("unit"));
+    bool wasLive = false;
+    m_desk->boxes.lookAtEach([&](QDialog& dialog) {
+        if (qobject_cast<QFileDialog*>(&dialog) != nullptr) {
+            // Behind the dialog, and well before the frame is taken.
+            connect(&dialog, &QDialog::finished, &m_desk->window(), [&] {
+                patience::later(50, &m_desk->window(), [&] {
+                    wasLive = hand::isReachable(m_desk->window(), "pushButton_CAPTURE")
+                        && hand::isReachable(m_desk->window(), "pushButton_UNMOUNT")
+                        && hand::isReachable(m_desk->window(), "checkBox_CAPTURE_GFP")
+                        && !m_desk->log.contains("[save_grabImage]");
+                });
+            });
+        }
+    });
+    QVERIFY(m_panel->capture());
+    QVERIFY(wasLive);
 }
 
 void tst_capture::folderThatCannotBeWritten_isLoggedAndTheSequenceGoesOn()
 {
-    tick(true, true, false);
-    nameNext("/proc/no such folder/unit");
-    QVERIFY(capture());
+    m_panel->tick(true, true, false);
+    m_panel->nameNext("/proc/no such folder/unit");
+    QVERIFY(m_panel->capture());
     QCOMPARE(m_desk->log.lines().filter("[save_grabImage] save fail").size(), 2);
     QCOMPARE(m_desk->boxes.texts().last(), QString("finish save Image !"));
     QCOMPARE(m_desk->rig.state().value("filter").toInt(), 2);
 }
 
-void tst_capture::stickPulledDuringTheCapture_doesNotStopTheProgram()
-{
-    m_shelf->plug("/dev/sdb1", "1234-ABCD", "FACTORY");
-    QVERIFY(patience::waitFor([] { return QFileInfo::exists("/media/FACTORY"); }));
-    tick(true, true, true);
-    nameNext("/media/FACTORY/unit");
-    connect(
-        &m_desk->window(), &MainWindow::sig_finish_save_ImageGrabbed, this, [this, pulled = false]() mutable {
-            if (!pulled)
-                m_shelf->unplug("1234-ABCD", "FACTORY");
-            pulled = true;
-        });
-    QVERIFY(capture());
-    QCOMPARE(m_desk->boxes.texts().last(), QString("finish save Image !"));
-    QVERIFY(m_desk->log.contains("[save_grabImage] save fail"));
-    // The program goes on: another capture, with no stick.
-    QTemporaryDir folder;
-    tick(true, false, false);
-    nameNext(folder.filePath("later"));
-    QVERIFY(capture());
-    QVERIFY(QFile::exists(folder.filePath("later_BF.tif")));
-}
-
-void tst_capture::unmountBeforeAnyCapture_doesNothing()
-{
-    m_shelf->plug("/dev/sdb1", "1234-ABCD", "FACTORY");
-    QVERIFY(patience::waitFor([] { return QFileInfo::exists("/media/FACTORY"); }));
-    const QStringList before = StickShelf::calls();
-    QVERIFY(hand::click(m_desk->window(), "pushButton_UNMOUNT"));
-    QCOMPARE(StickShelf::calls(), before);
-    QCOMPARE(m_desk->boxes.boxes().size(), 0);
-}
-
-void tst_capture::unmount_releasesTheStick()
-{
-    m_shelf->plug("/dev/sdb1", "1234-ABCD", "FACTORY");
-    QVERIFY(patience::waitFor([] { return QFileInfo::exists("/media/FACTORY"); }));
-    tick(true, false, false);
-    nameNext("/media/FACTORY/unit");
-    QVERIFY(capture());
-    QVERIFY(hand::click(m_desk->window(), "pushButton_UNMOUNT"));
-    QCOMPARE(m_desk->boxes.texts().last(), QString("finish unmount !"));
-    QCOMPARE(m_desk->boxes.boxes().last().title, QString("Info"));
-    QCOMPARE(StickShelf::calls().last(), QString("umount /media/FACTORY"));
-    QVERIFY(!QFileInfo::exists("/media/FACTORY"));
-    QVERIFY(QFile::exists(StickShelf::filesOf("/dev/sdb1") + "/unit_BF.tif"));
-}
-
-void tst_capture::unmountOfABusyStick_showsNothing()
-{
-    m_shelf->plug("/dev/sdb1", "1234-ABCD", "FACTORY");
-    QVERIFY(patience::waitFor([] { return QFileInfo::exists("/media/FACTORY"); }));
-    tick(true, false, false);
-    nameNext("/media/FACTORY/unit");
-    QVERIFY(capture());
-    // Busy: the file stays open, so that the stick cannot be released.
-    QFile busy("/media/FACTORY/unit_BF.tif");
-    QVERIFY(busy.open(QIODevice::ReadOnly));
-    const int boxes = m_desk->boxes.boxes().size();
-    QVERIFY(hand::click(m_desk->window(), "pushButton_UNMOUNT"));
-    QCOMPARE(m_desk->boxes.boxes().size(), boxes);
-    QVERIFY(QFile::exists("/media/FACTORY/unit_BF.tif"));
-}
-
 void tst_capture::lightStaysOnTheLastChannel()
 {
-    QTemporaryDir folder;
-    tick(true, true, false);
-    nameNext(folder.filePath("unit"));
-    QVERIFY(capture());
+    m_panel->tick(true, true, false);
+    m_panel->nameNext(m_folder->filePath("unit"));
+    QVERIFY(m_panel->capture());
     QCOMPARE(m_desk->rig.state().value("filter").toInt(), 2);
     QCOMPARE(m_desk->style("pushButton_ILLUMINATION_GFP"),
         QString("font: 11pt 'Sans Serif'; color : white; background-color : rgb(0, 255, 0)"));
-}
-
-void tst_capture::stickThatIsThereAtStart_isMountedAndReleasedWithTheWindow()
-{
-    m_desk.reset();
-    m_shelf->plug("/dev/sdb1", "1234-ABCD", "FACTORY");
-    m_desk.reset(new Desk);
-    QVERIFY(m_desk->connectUnit());
-    QVERIFY(QFileInfo::exists("/media/FACTORY"));
-    QVERIFY(StickShelf::calls().contains("mount /dev/sdb1 /media/FACTORY"));
-    m_desk->close();
-    QVERIFY(!QFileInfo::exists("/media/FACTORY"));
-    QVERIFY(StickShelf::calls().last().startsWith("umount "));
 }
 
 WORKFLOW_MAIN(tst_capture)
