@@ -387,8 +387,8 @@ private:
 
     // Z reference and slope
 
-    /// X by position (direct), then a silent coarse and fine run; returns when it has ended, or false when the
-    /// program is left meanwhile.
+    /// X by position (direct), then a silent coarse and fine run; returns when it has ended, or false when
+    /// the program is left meanwhile.
     bool focusAt(int positionX);
     /// The best position of a run that belongs to the slope calibration.
     void recordZSlope(int bestPosition);
@@ -399,8 +399,8 @@ private:
     void runPixelShift();
     void leavePixelShift();
     void enableShiftArrows(bool enabled);
-    /// The three frames of the field under the objective; each returns when its frame is stored, or false when
-    /// the program is left meanwhile.
+    /// The three frames of the field under the objective; each returns when its frame is stored, or false
+    /// when the program is left meanwhile.
     bool takeShiftFrames(int zOffset);
     bool takeShiftFrame();
     /// Moves Z by the offset, in fine steps, to the focus of fluorescence (+1) or back (-1). Direct.
@@ -422,8 +422,9 @@ private:
 
     // Image capture to a stick
 
-    /// Takes a frame after one exposure and 250 ms and saves it; returns when that is done.
-    void saveFrameWhenSettled();
+    /// Takes a frame after one exposure and 250 ms and saves it; returns when that is done. False when the
+    /// program is left meanwhile.
+    bool saveFrameWhenSettled();
 
     // Identity, options and mirrors
 

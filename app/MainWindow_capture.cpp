@@ -1,13 +1,13 @@
 #include "app/MainWindow.h"
 
 #include "app/channel_picture.h"
+#include "app/signal_wait.h"
 #include "storage/ImReaderWriter.h"
 #include "ui_MainWindow.h"
 
 #include <opencv2/core.hpp>
 
 #include <QDebug>
-#include <QEventLoop>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QTimer>
@@ -40,29 +40,31 @@ void MainWindow::on_pushButton_CAPTURE_clicked()
     if (ui->checkBox_CAPTURE_BF->isChecked()) {
         m_save_file_name = name + "_BF.tif";
         on_pushButton_ILLUMINATION_BF_clicked();
-        saveFrameWhenSettled();
+        if (!saveFrameWhenSettled())
+            return;
     }
     if (ui->checkBox_CAPTURE_GFP->isChecked()) {
         m_save_file_name = name + "_GFP.tif";
         on_pushButton_ILLUMINATION_GFP_clicked();
-        saveFrameWhenSettled();
+        if (!saveFrameWhenSettled())
+            return;
     }
     if (ui->checkBox_CAPTURE_RFP->isChecked()) {
         m_save_file_name = name + "_RFP.tif";
         on_pushButton_ILLUMINATION_RFP_clicked();
-        saveFrameWhenSettled();
+        if (!saveFrameWhenSettled())
+            return;
     }
     QMessageBox::information(this, "Info", "finish save Image !", QMessageBox::Ok);
 }
 
-void MainWindow::saveFrameWhenSettled()
+bool MainWindow::saveFrameWhenSettled()
 {
     // LED and filter wheel settle, and the exposure begins anew.
     const int exposure = ui->spinBox_EXPOSURE->text().toInt();
-    QEventLoop loop;
-    connect(this, &MainWindow::sig_finish_save_ImageGrabbed, &loop, &QEventLoop::quit);
+    SignalWait saved(this, &MainWindow::sig_finish_save_ImageGrabbed);
     QTimer::singleShot(exposure + kSettlingMs, this, SLOT(slot_save_ImageGrabbed()));
-    loop.exec();
+    return saved.wait();
 }
 
 void MainWindow::slot_save_ImageGrabbed()

@@ -24,6 +24,7 @@ private slots:
     void captureWithoutStick_leavesNothingToUnmount();
     void unmountOfABusyStick_showsNothing();
     void stickThatIsThereAtStart_isMountedAndReleasedWithTheWindow();
+    void exitDuringTheCapture_endsItInTheDarkAndReleasesTheStick();
 
 private:
     void plugIn();
@@ -206,6 +207,32 @@ void tst_capture_stick::stickThatIsThereAtStart_isMountedAndReleasedWithTheWindo
     m_desk->close();
     QVERIFY(!QFileInfo::exists("/media/FACTORY"));
     QVERIFY(StickShelf::calls().last().startsWith("umount "));
+}
+
+void tst_capture_stick::exitDuringTheCapture_endsItInTheDarkAndReleasesTheStick()
+{
+    plugIn();
+    m_panel->tick(true, true, true);
+    m_panel->nameNext("/media/FACTORY/unit");
+    m_desk->boxes.lookAtEach([this](QDialog& dialog) {
+        // Behind the dialog, and well before the first frame is taken.
+        connect(&dialog, &QDialog::finished, &m_desk->window(), [this] {
+            patience::later(
+                50, &m_desk->window(), [this] { QVERIFY(hand::click(m_desk->window(), "pushButton_EXIT")); });
+        });
+    });
+    const int mark = m_desk->rig.mark();
+    patience::later(0, this, [this] { QVERIFY(m_panel->capture()); });
+    // As in the program, the end of the window ends the application's loop and all that run in it.
+    patience::later(patience::limit(20000), &m_desk->window(), [] { QCoreApplication::exit(1); });
+    QCOMPARE(QCoreApplication::exec(), 0);
+    QCOMPARE(m_desk->rig.sentSince(mark),
+        QStringList({ "$A#LED BRT1 7 6", "$A#FILTER GO 1", "$A#LED OFF1", "$X#STAGE ORIGIN" }));
+    QCOMPARE(m_desk->boxes.boxes().size(), 1);
+    QVERIFY(!m_desk->log.contains("[save_grabImage]"));
+    m_desk->close();
+    QVERIFY(QDir("/media").isEmpty());
+    QCOMPARE(StickShelf::calls().last(), QString("umount /dev/sdb1"));
 }
 
 WORKFLOW_MAIN(tst_capture_stick)
