@@ -1,35 +1,19 @@
-#include "tests/simulator/RunningInstrument.h"
-#include "tests/simulator/SerialLine.h"
+#include "tests/simulator/BoardBench.h"
 
 #include <QJsonArray>
-#include <QTest>
 
-#include <memory>
-
-// What can be made to go wrong between the board and the program.
-class tst_BoardFaults : public QObject {
+/// What can be made to go wrong between the board and the program.
+class tst_BoardFaults : public BoardBench {
     Q_OBJECT
 
 private:
-    std::unique_ptr<RunningInstrument> m_instrument;
-    std::unique_ptr<SerialLine> m_port;
     const QByteArray m_position = "$OK#Z#STAGE POS#5000\r\n";
 
-    QStringList answers() { return m_instrument->transcript().filter(QRegExp("^<")); }
     QByteArray askPosition() { return m_port->ask("$Z#STAGE POS"); }
 
 private slots:
-    void init()
-    {
-        m_instrument = std::make_unique<RunningInstrument>();
-        QVERIFY(m_instrument->isReady());
-        m_port = std::make_unique<SerialLine>(m_instrument->boardPort());
-    }
-    void cleanup()
-    {
-        m_port.reset();
-        m_instrument.reset();
-    }
+    void init() { start({ "--seed", "2", "--quick" }); }
+    void cleanup() { stop(); }
 
     void cut_sendsTheReplyInPiecesOfThatSize()
     {
