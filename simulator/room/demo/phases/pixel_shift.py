@@ -9,6 +9,7 @@ RUN_LIMIT = 240  # seconds, for twelve fields
 MOVE_LIMIT = 60
 FIELDS = 12
 ALLOWED = 0.25  # pixels
+OVERLAY = "CAPTURE_IMAGE_WIDGET"
 CHANNELS = ("GFP X", "GFP Y", "RFP X", "RFP Y")
 
 
@@ -39,8 +40,11 @@ def run(day):
 
     day.hand.click("pushButton_PIXEL_SHIFT_SET")
     _expect_stored(day, "stored by Set", found)
+    overlay = day.hand.picture_of(OVERLAY).greys()
     day.hand.click("pushButton_PIXEL_SHIFT_RESET")
     _expect_stored(day, "stored by Reset", [0.0] * len(CHANNELS))
+    # The values are stored before the overlay is drawn anew.
+    day.room.wait_for("the overlay without corrections", lambda: day.hand.picture_of(OVERLAY).greys() != overlay, 10)
     day.screenshot("overlay-uncorrected")
 
     # The unit keeps what was measured.
