@@ -4,7 +4,10 @@ cmake_minimum_required(VERSION 3.25)
 # is enough to bring the values up to date; the file is touched only when they have changed.
 #   cmake -DSOURCE_DIR=... -DVERSION=... -DOUTPUT=... -P zr_meta_values.cmake
 set(revision "non-repo")
-set(date "$ENV{SOURCE_DATE_EPOCH}")
+set(date "")
+if("$ENV{SOURCE_DATE_EPOCH}" MATCHES "^[0-9]+$")
+  set(date "$ENV{SOURCE_DATE_EPOCH}")
+endif()
 find_program(GIT git)
 if(GIT)
   execute_process(COMMAND ${GIT} -C ${SOURCE_DIR} rev-parse --short=10 HEAD
@@ -12,12 +15,12 @@ if(GIT)
   if(NOT failed)
     set(revision "${found}")
   endif()
-  if(NOT date)
+  if(date STREQUAL "")
     execute_process(COMMAND ${GIT} -C ${SOURCE_DIR} log -1 --format=%ct
       OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
   endif()
 endif()
-if(NOT date)
+if(date STREQUAL "")
   string(TIMESTAMP date "%s" UTC)
 endif()
 file(CONFIGURE OUTPUT ${OUTPUT} @ONLY CONTENT "#pragma once

@@ -12,6 +12,7 @@ private slots:
     void records_areKeyAndValue();
     void applicationVersion_joinsThreeParts();
     void buildSeconds_becomeLocalTime();
+    void buildSeconds_areShownInTheTimeOfThePlace();
     void section_isReadOnlyAndAlignedTo16();
     void section_holdsTheRecordsAtTheirOffsets();
 };
@@ -63,6 +64,13 @@ void tst_zr_meta::buildSeconds_becomeLocalTime()
     QCOMPARE(version_text::dateText(4102444800), QString("2100-01-01 00:00"));
     QCOMPARE(version_text::valueOf("  [    20]  BUILD_DATE=1750411409"), QString("1750411409"));
     QCOMPARE(version_text::valueOf("no record"), QString());
+}
+
+void tst_zr_meta::buildSeconds_areShownInTheTimeOfThePlace()
+{
+    qputenv("TZ", "PLACE-9"); // nine hours east of Greenwich
+    QCOMPARE(version_text::dateText(1750411409), QString("2025-06-20 18:23"));
+    qputenv("TZ", "UTC");
 }
 
 void tst_zr_meta::section_isReadOnlyAndAlignedTo16()

@@ -1,5 +1,8 @@
 """The program comes up, connects by itself, and leaves."""
 
+import os
+import re
+import subprocess
 import tempfile
 from pathlib import Path
 
@@ -39,6 +42,18 @@ class Connection(WholeCase):
             self.assertEqual([call.split()[0] for call in room.stub_calls()][:1], ["Reset_BaslerCamera"])
             room.wait_log(CONNECTED, PATIENCE)
             self.assertEqual(sum(call.startswith("Reset_BaslerCamera") for call in room.stub_calls()), 1)
+
+    def test_start_logsTheBuildRecordsOfTheProgramOneByOne(self):
+        program = Path(os.environ["QR9_BUILD"]) / "app/VerifierQR9"
+        section = subprocess.run(
+            ["readelf", "-p", "ZR_META", program], check=True, capture_output=True, text=True).stdout
+        records = dict(re.findall(r"(\w+)=(\S+)", section))
+        with self.program_in_room() as (room, _):
+            room.wait_log(CONNECTED, PATIENCE)
+            lines = [line.partition("=") for line in room.program.log().splitlines()]
+            logged = [(name, value) for name, _, value in lines if name in records]
+        expected = ["VERSION", "BASE_VERSION", "BUILD_DATE", "BASE_SVN_REV"]
+        self.assertEqual(logged, [(name, records[name]) for name in expected])
 
     def test_missingSettingsFile_holdsAfterwardsOnlyWhatTheConnectionWrites(self):
         with self.program_in_room() as (room, _):
