@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/int_range.h"
 #include "app/settings.h"
 #include "app/styles.h"
 #include "link/Controller.h"
@@ -8,6 +9,7 @@
 #include <QDebug>
 #include <QHeaderView>
 
+#include <cstdint>
 #include <cstdio>
 
 namespace {
@@ -94,11 +96,11 @@ void MainWindow::on_pushButton_INSERT_clicked()
 int MainWindow::insertHeight(const SlideHeight& height, double slope) const
 {
     const int reference = settings::readInt("Calibration", height.referenceKey, "32000");
-    int target = height.slope ? heightWithSlope(reference, slope, 0.0) : reference;
+    std::int64_t target = height.slope ? heightWithSlope(reference, slope, 0.0) : reference;
     if (height.offsetKey != nullptr)
-        target
-            += height.offsetSign * settings::readInt("Calibration", height.offsetKey, height.offsetDefault);
-    return target;
+        target += std::int64_t { height.offsetSign }
+            * settings::readInt("Calibration", height.offsetKey, height.offsetDefault);
+    return withinInt(target);
 }
 
 void MainWindow::moveZToSlideHeight(int target)
@@ -172,7 +174,7 @@ void MainWindow::on_tableWidget_SLIDE_cellDoubleClicked(int, int column)
 
     if (column != 0) {
         m_slide_field = 0;
-        moveXTo(slideStartPosition(slide->start) - slide->channelPitchX * column);
+        moveXTo(channelPositionX(*slide, slideStartPosition(slide->start), column));
     } else {
         m_slide_field = -1;
         moveXTo(0);

@@ -1,18 +1,21 @@
 #include "app/MainWindow.h"
 
+#include "app/int_range.h"
 #include "app/settings.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
 
+#include <cstdint>
+
 namespace {
 
 /// The key "Calibration" holds the position of the reference mark less this, in motor steps.
-constexpr int kMarkOffset = 12000;
+constexpr std::int64_t kMarkOffset = 12000;
 
 /// Stored X positions, by their fixed distances from the mark in motor steps.
 struct MarkDistance {
     const char* key;
-    int distance;
+    std::int64_t distance;
 };
 
 constexpr MarkDistance kMarkDistances[] = {
@@ -64,7 +67,7 @@ void MainWindow::moveXTo(int target)
 
 void MainWindow::on_pushButton_START_X_REF_clicked()
 {
-    const int target = settings::readInt("Start position", "Calibration", "0") + kMarkOffset;
+    const int target = withinInt(settings::readInt("Start position", "Calibration", "0") + kMarkOffset);
     moveXTo(target);
     // Shown before the move has ended, so that a calibration right behind takes the requested position.
     ui->lineEdit_POSITION_X->setText(QString::number(target));
@@ -74,5 +77,5 @@ void MainWindow::on_pushButton_START_X_CALIBRATION_clicked()
 {
     const int position = ui->lineEdit_POSITION_X->text().toInt();
     for (const MarkDistance& mark : kMarkDistances)
-        settings::writeInt("Start position", mark.key, position + mark.distance);
+        settings::writeInt("Start position", mark.key, withinInt(position + mark.distance));
 }

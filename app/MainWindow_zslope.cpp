@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/int_range.h"
 #include "app/settings.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
@@ -7,6 +8,7 @@
 #include <QDebug>
 #include <QMessageBox>
 
+#include <cstdint>
 #include <cstdio>
 
 namespace {
@@ -54,7 +56,7 @@ void MainWindow::on_pushButton_REFERENCE_Z_SLOPE_clicked()
     if (!focusAt(m_slide_start_2ch))
         return;
     m_z_slope_stage = Z_SLOPE_B1;
-    if (!focusAt(m_slide_start_2ch - kDistanceSteps))
+    if (!focusAt(withinInt(std::int64_t { m_slide_start_2ch } - kDistanceSteps)))
         return;
     m_z_slope_stage = Z_SLOPE_NONE;
 

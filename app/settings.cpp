@@ -1,5 +1,6 @@
 #include "app/settings.h"
 
+#include "app/int_range.h"
 #include "storage/IniReaderWriter.h"
 
 #include <cmath>
@@ -11,12 +12,7 @@ namespace {
 
 int toInt(const std::string& text)
 {
-    const long number = std::strtol(text.c_str(), nullptr, 10);
-    if (number > std::numeric_limits<int>::max())
-        return std::numeric_limits<int>::max();
-    if (number < std::numeric_limits<int>::min())
-        return std::numeric_limits<int>::min();
-    return static_cast<int>(number);
+    return withinInt(std::strtol(text.c_str(), nullptr, 10));
 }
 
 } // namespace

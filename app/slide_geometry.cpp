@@ -1,6 +1,9 @@
 #include "app/slide_geometry.h"
 
+#include "app/int_range.h"
+
 #include <cstddef>
+#include <cstdint>
 
 namespace {
 
@@ -105,7 +108,14 @@ int fieldPositionX(const FieldMove& move, int start, int channel, int field)
 {
     if (move.homeBelowFirst && field == -1)
         return 0;
-    return start - move.channelPitchX * channel + move.fieldPitchX * field;
+    const int distance = move.fieldPitchX * field - move.channelPitchX * channel;
+    return withinInt(std::int64_t { start } + distance);
+}
+
+int channelPositionX(const SlideGeometry& slide, int start, int channel)
+{
+    const int distance = slide.channelPitchX * channel;
+    return withinInt(std::int64_t { start } - distance);
 }
 
 bool isReversedRun(int type, int channel)

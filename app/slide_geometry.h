@@ -72,5 +72,8 @@ bool isFieldMoveBlocked(const FieldMove& move, int field);
 /// X position of a field, in motor steps.
 int fieldPositionX(const FieldMove& move, int start, int channel, int field);
 
+/// X position of the first field of a channel, in motor steps.
+int channelPositionX(const SlideGeometry& slide, int start, int channel);
+
 /// True for runs whose field index falls from PREV to NEXT: the button states of the map are turned round.
 bool isReversedRun(int type, int channel);

@@ -14,7 +14,9 @@ QString valueOf(const QString& record)
 
 QString dateText(qulonglong seconds)
 {
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(seconds) * 1000).toString("yyyy-MM-dd hh:mm");
+    // Multiplied without a sign: a number that is no date must not overflow.
+    const qulonglong milliseconds = seconds * 1000;
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds)).toString("yyyy-MM-dd hh:mm");
 }
 
 QString applicationVersion()

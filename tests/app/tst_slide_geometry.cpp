@@ -2,6 +2,10 @@
 
 #include <QtTest>
 
+#include <limits>
+
+Q_DECLARE_METATYPE(SlideStart)
+
 /// Slide types and field moves, case by case.
 class tst_slide_geometry : public QObject {
     Q_OBJECT
@@ -9,9 +13,13 @@ class tst_slide_geometry : public QObject {
 private slots:
     void eachSlideType_hasItsMapAndPitches_data();
     void eachSlideType_hasItsMapAndPitches();
+    void eachSlideType_hasItsStartAndHeight_data();
+    void eachSlideType_hasItsStartAndHeight();
     void numberThatIsNoSlideType_hasNoGeometry();
     void eachFieldMove_goesWhereItMust_data();
     void eachFieldMove_goesWhereItMust();
+    void eachChannel_beginsAtItsPitch();
+    void absurdStart_staysWithinTheRangeOfANumber();
     void nextOn3Channel_lowersTheFieldIndex();
     void prevThatRaisesTheFieldIndex_disablesNext_data();
     void prevThatRaisesTheFieldIndex_disablesNext();
@@ -26,23 +34,13 @@ void tst_slide_geometry::eachSlideType_hasItsMapAndPitches_data()
     QTest::addColumn<int>("channelPitchX");
     QTest::addColumn<double>("channelPitchZ");
     QTest::addColumn<int>("lastField");
-    QTest::addColumn<QString>("reference");
-    QTest::addColumn<QString>("offset");
-    QTest::addColumn<int>("sign");
-    QTest::newRow("1 channel") << 0 << 1 << 400 << 0 << 0.0 << 46 << "Z ref 1ch"
-                               << "" << 0;
-    QTest::newRow("2 channels") << 1 << 2 << 200 << 20799 << 39.0 << 11 << "Z ref 2ch"
-                                << "" << 0;
-    QTest::newRow("3 channels") << 2 << 3 << 133 << 12346 << 23.15 << 11 << "Z ref 3ch"
-                                << "" << 0;
-    QTest::newRow("8 channels") << 3 << 8 << 50 << 4800 << 9.0 << 4 << "Z ref 8ch"
-                                << "" << 0;
-    QTest::newRow("reusable") << 4 << 1 << 200 << 0 << 0.0 << 11 << "Z ref 2ch"
-                              << "Reusable offset" << 1;
-    QTest::newRow("validation") << 5 << 1 << 200 << 0 << 0.0 << 11 << "Z reference"
-                                << "Validation offset" << -1;
-    QTest::newRow("prisma max") << 6 << 1 << 200 << 0 << 0.0 << 4 << "Z ref 2ch"
-                                << "Prisma offset" << -1;
+    QTest::newRow("1 channel") << 0 << 1 << 400 << 0 << 0.0 << 46;
+    QTest::newRow("2 channels") << 1 << 2 << 200 << 20799 << 39.0 << 11;
+    QTest::newRow("3 channels") << 2 << 3 << 133 << 12346 << 23.15 << 11;
+    QTest::newRow("8 channels") << 3 << 8 << 50 << 4800 << 9.0 << 4;
+    QTest::newRow("reusable") << 4 << 1 << 200 << 0 << 0.0 << 11;
+    QTest::newRow("validation") << 5 << 1 << 200 << 0 << 0.0 << 11;
+    QTest::newRow("prisma max") << 6 << 1 << 200 << 0 << 0.0 << 4;
 }
 
 void tst_slide_geometry::eachSlideType_hasItsMapAndPitches()
@@ -55,9 +53,40 @@ void tst_slide_geometry::eachSlideType_hasItsMapAndPitches()
     QTEST(slide->channelPitchX, "channelPitchX");
     QTEST(slide->channelPitchZ, "channelPitchZ");
     QTEST(slide->lastField, "lastField");
-    QTEST(QString(slide->height.referenceKey), "reference");
-    QTEST(QString(slide->height.offsetKey), "offset");
-    QTEST(slide->height.offsetSign, "sign");
+}
+
+void tst_slide_geometry::eachSlideType_hasItsStartAndHeight_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<SlideStart>("start");
+    QTest::addColumn<QString>("reference");
+    QTest::addColumn<bool>("slope");
+    QTest::addColumn<QString>("offset"); // key, sign and default
+    const auto row = [](const char* name, int type, SlideStart start, const char* reference, bool slope,
+                         const char* offset = "") {
+        QTest::newRow(name) << type << start << QString(reference) << slope << QString(offset);
+    };
+    row("1 channel", 0, SlideStart::Channel1, "Z ref 1ch", false);
+    row("2 channels", 1, SlideStart::Channel2, "Z ref 2ch", true);
+    row("3 channels", 2, SlideStart::Channel3, "Z ref 3ch", true);
+    row("8 channels", 3, SlideStart::Channel8, "Z ref 8ch", true);
+    row("reusable", 4, SlideStart::Channel2, "Z ref 2ch", true, "Reusable offset +1 5676");
+    row("validation", 5, SlideStart::Channel2, "Z reference", true, "Validation offset -1 1280");
+    row("prisma max", 6, SlideStart::Prisma, "Z ref 2ch", true, "Prisma offset -1 0");
+}
+
+void tst_slide_geometry::eachSlideType_hasItsStartAndHeight()
+{
+    QFETCH(int, type);
+    const SlideGeometry* slide = slideGeometry(type);
+    QVERIFY(slide != nullptr);
+    QTEST(slide->start, "start");
+    const SlideHeight& height = slide->height;
+    QTEST(QString(height.referenceKey), "reference");
+    QTEST(height.slope, "slope");
+    const QString offset
+        = QString::asprintf("%s %+d %s", height.offsetKey, height.offsetSign, height.offsetDefault);
+    QTEST(height.offsetKey != nullptr ? offset : QString(""), "offset");
 }
 
 void tst_slide_geometry::numberThatIsNoSlideType_hasNoGeometry()
@@ -139,6 +168,22 @@ void tst_slide_geometry::eachFieldMove_goesWhereItMust()
     QTEST(isFieldMoveBlocked(*move, before), "blocked");
     if (!isFieldMoveBlocked(*move, before))
         QTEST(fieldPositionX(*move, 100000, channel, before + move->step), "x");
+}
+
+void tst_slide_geometry::eachChannel_beginsAtItsPitch()
+{
+    QCOMPARE(channelPositionX(*slideGeometry(1), 30931, 1), 10132);
+    QCOMPARE(channelPositionX(*slideGeometry(2), 30505, 2), 5813);
+    QCOMPARE(channelPositionX(*slideGeometry(3), 38291, 7), 4691);
+}
+
+void tst_slide_geometry::absurdStart_staysWithinTheRangeOfANumber()
+{
+    constexpr int kLowest = std::numeric_limits<int>::min();
+    constexpr int kHighest = std::numeric_limits<int>::max();
+    QCOMPARE(fieldPositionX(*fieldMoveNext(0, 0), kHighest, 0, 46), kHighest);
+    QCOMPARE(fieldPositionX(*fieldMoveNext(3, 7), kLowest, 7, 4), kLowest);
+    QCOMPARE(channelPositionX(*slideGeometry(3), kLowest, 7), kLowest);
 }
 
 void tst_slide_geometry::nextOn3Channel_lowersTheFieldIndex()
