@@ -294,7 +294,7 @@ public:
     /// Refreshes the five start positions.
     void get_slide_POSITION_ini();
     /// Redraws the map and sets the enabled state of the navigation.
-    void set_SLIDE_indicator(int type, int channel, int field);
+    void set_SLIDE_indicator(SLIDE_type type, int channel, int field);
 
     // Autofocus: MainWindow_autofocus.cpp
 
@@ -459,7 +459,7 @@ private:
     Controller* m_pController = nullptr;
     QString m_strCommand; ///< the last line built for the board
     protocol_Controller_info m_protocol_info;
-    int m_slide_type = SLIDE_2CH;
+    SLIDE_type m_slide_type = SLIDE_2CH;
     int m_slide_channel = -1; ///< from 0; -1: no slide is in
     int m_slide_field = -2; ///< from 0; -1: X home, before the first field; -2: ejected
     int m_slide_motion = SLIDE_MOTION_NONE;

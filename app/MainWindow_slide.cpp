@@ -53,7 +53,7 @@ int MainWindow::slideStartPosition(SlideStart start) const
 
 void MainWindow::on_comboBox_SLIDE_currentIndexChanged(int index)
 {
-    m_slide_type = index;
+    m_slide_type = static_cast<SLIDE_type>(index);
     std::printf("on_comboBox_SLIDE_currentIndexChanged index : %d\n", index);
     std::fflush(stdout);
     on_pushButton_INSERT_clicked();
@@ -181,7 +181,7 @@ void MainWindow::on_tableWidget_SLIDE_cellDoubleClicked(int, int column)
     }
 }
 
-void MainWindow::set_SLIDE_indicator(int type, int channel, int field)
+void MainWindow::set_SLIDE_indicator(SLIDE_type type, int channel, int field)
 {
     if (const SlideGeometry* slide = slideGeometry(type)) {
         drawSlideMap(*slide, channel);

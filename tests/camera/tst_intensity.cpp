@@ -29,6 +29,12 @@ bool sameBits(double left, double right)
     return bitsOf(left) == bitsOf(right);
 }
 
+/// A name and a number as the log has them.
+QString logLine(const char* name, double value)
+{
+    return QString("%1 %2").arg(name).arg(value);
+}
+
 /// Draws a bright rectangle, and moves the cursor to where the next one goes.
 void putRectangle(cv::Mat& picture, cv::Point& cursor, cv::Size size, int grey)
 {
@@ -234,10 +240,10 @@ private slots:
         QCOMPARE(values[0].toDouble(), cv::sum(source.current)[0] / 1228800.0);
         QVERIFY(sameBits(values[1].toDouble(), literal::intensityPerObject(source.current, 15)));
         QVERIFY(sameBits(values[2].toDouble(), literal::intensityBackground(source.current, 15)));
-        const int average = log.indexOf("intensity_Ave: ");
-        const int object = log.indexOf("intensity_Object: ");
-        const int background = log.indexOf("intensity_Background: ");
-        QVERIFY(average >= 0 && average < object && object < background);
+        QCOMPARE(log.lines().filter("intensity_"),
+            QStringList({ logLine("intensity_Ave:", values[0].toDouble()),
+                logLine("intensity_Object:", values[1].toDouble()),
+                logLine("intensity_Background:", values[2].toDouble()) }));
     }
 
     void update_withoutAFrameEver_emitsOnceWithAverageZero()

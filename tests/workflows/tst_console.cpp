@@ -1,17 +1,21 @@
-#include "tests/workflows/Desk.h"
+#include "tests/workflows/PageTest.h"
 
 #include <QPlainTextEdit>
 
 /// The debug console: any line to the board, and all that comes back through the parser.
-class tst_console : public QObject {
+class tst_console : public PageTest {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cleanupTestCase();
+public:
+    tst_console()
+        : PageTest("TAB_DEBUG")
+    {
+    }
 
+protected slots:
+    void init() override;
+
+private slots:
     void send_passesTheLineAndKeepsTheText();
     void returnKey_sendsAsTheButtonDoes();
     void clear_emptiesTheReplies();
@@ -31,33 +35,14 @@ private:
     {
         return hand::type(m_desk->window(), "lineEdit_SEND_CMD_CONTROLLER", text);
     }
-    bool click(const char* button) { return hand::click(m_desk->window(), button); }
-
-    std::unique_ptr<Desk> m_desk;
 };
-
-void tst_console::initTestCase()
-{
-    Desk::removeSettings();
-    m_desk.reset(new Desk);
-    QVERIFY(m_desk->connectUnit());
-}
 
 void tst_console::init()
 {
+    PageTest::init();
     QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_DEBUG"));
     QVERIFY(m_desk->rig.set("x", 4321));
     QVERIFY(click("pushButton_CLEAR_CMD_RECEIVED"));
-}
-
-void tst_console::cleanup()
-{
-    m_desk->rig.clearFaults();
-}
-
-void tst_console::cleanupTestCase()
-{
-    m_desk.reset();
 }
 
 void tst_console::send_passesTheLineAndKeepsTheText()

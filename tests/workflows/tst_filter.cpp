@@ -1,18 +1,23 @@
-#include "tests/workflows/Desk.h"
+#include "tests/workflows/PageTest.h"
 
 #include <QJsonArray>
 #include <QSpinBox>
 
 /// The service panel of the filter wheel.
-class tst_filter : public QObject {
+class tst_filter : public PageTest {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cleanupTestCase();
+public:
+    tst_filter()
+        : PageTest("TAB_LIGHT")
+    {
+    }
 
+protected slots:
+    void initTestCase() override;
+    void cleanup() override;
+
+private slots:
     void afterTheStart_theBoxesShowTheFile();
     void go_turnsTheWheelAndTouchesNothingElse_data();
     void go_turnsTheWheelAndTouchesNothingElse();
@@ -27,7 +32,6 @@ private slots:
     void lostAndDoubledReplies_doNoHarm();
 
 private:
-    bool click(const QString& button) { return hand::click(m_desk->window(), button); }
     QString name(const char* pattern, int position) { return QString(pattern).arg(position); }
     QSpinBox* box(int position)
     {
@@ -38,8 +42,6 @@ private:
         return m_desk->rig.state().value("corrections").toArray().at(position - 1).toInt();
     }
     QVector<int> shown() { return { box(1)->value(), box(2)->value(), box(3)->value() }; }
-
-    std::unique_ptr<Desk> m_desk;
 };
 
 namespace {
@@ -65,27 +67,14 @@ void addPositions()
 
 void tst_filter::initTestCase()
 {
-    Desk::removeSettings();
     putToolFile("[Correction]\nFilter 1=21\nFilter 3=23\n");
-    m_desk.reset(new Desk);
-    QVERIFY(m_desk->connectUnit());
-    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_LIGHT"));
-}
-
-void tst_filter::init()
-{
-    Desk::removeSettings();
+    PageTest::initTestCase();
 }
 
 void tst_filter::cleanup()
 {
-    m_desk->rig.clearFaults();
     QCOMPARE(Desk::settings(), QByteArray());
-}
-
-void tst_filter::cleanupTestCase()
-{
-    m_desk.reset();
+    PageTest::cleanup();
 }
 
 void tst_filter::afterTheStart_theBoxesShowTheFile()
@@ -116,6 +105,11 @@ void tst_filter::go_turnsTheWheelAndTouchesNothingElse()
     QCOMPARE(m_desk->linesSince(mark), QStringList({ name("$A#FILTER GO %1", position) }));
     QCOMPARE(lit(), before);
     QCOMPARE(shown(), QVector<int>({ 21, 10, 23 }));
+    // The channel in use is still bright field.
+    const int behind = m_desk->mark();
+    QVERIFY(click("pushButton_LED_TOGGLE"));
+    QVERIFY(click("pushButton_LED_TOGGLE"));
+    QCOMPARE(m_desk->linesSince(behind), QStringList({ "$A#LED OFF1", "$A#LED BRT1 7 6" }));
 }
 
 void tst_filter::read_showsWhatTheBoardHolds_data()

@@ -1,4 +1,4 @@
-#include "tests/workflows/Desk.h"
+#include "tests/workflows/PageTest.h"
 #include "tests/workflows/StandIns.h"
 
 #include <QElapsedTimer>
@@ -6,15 +6,19 @@
 #include <QSpinBox>
 
 /// Serial number and host name, option flags, and the height offsets of three slide types.
-class tst_identity : public QObject {
+class tst_identity : public PageTest {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cleanupTestCase();
+public:
+    tst_identity()
+        : PageTest("TAB_QC2")
+    {
+    }
 
+protected slots:
+    void init() override;
+
+private slots:
     void model_isShownInCapitalsWithTheCursorKept();
     void serialParts_haveTheirLength();
     void write_storesTheSerialAndRenewsTheHostName();
@@ -29,9 +33,9 @@ private slots:
     void offsets_areStoredAtOnce_data();
     void offsets_areStoredAtOnce();
     void offsets_countAtTheNextInsert();
+    void serialWithB_hidesTheFluorescenceAfterTheNextStart();
 
 private:
-    bool click(const QString& button) { return hand::click(m_desk->window(), button); }
     bool open(const char* page) { return hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", page); }
     bool enterSerial(const QString& model, const QString& prefix, const QString& suffix)
     {
@@ -39,8 +43,6 @@ private:
             && hand::type(m_desk->window(), "lineEdit_SERIAL_PREFIX", prefix)
             && hand::type(m_desk->window(), "lineEdit_SERIAL_SUFFIX", suffix);
     }
-
-    std::unique_ptr<Desk> m_desk;
 };
 
 namespace {
@@ -55,30 +57,13 @@ QByteArray contentOf(const QString& path)
 
 } // namespace
 
-void tst_identity::initTestCase()
-{
-    Desk::removeSettings();
-    m_desk.reset(new Desk);
-    QVERIFY(m_desk->connectUnit());
-}
-
 void tst_identity::init()
 {
-    Desk::removeSettings();
+    PageTest::init();
     QFile hostName(kHostName);
     QVERIFY(hostName.open(QIODevice::WriteOnly));
     hostName.write("before\n");
     QVERIFY(open("TAB_QC2"));
-}
-
-void tst_identity::cleanup()
-{
-    QVERIFY(m_desk->boxes.boxes().isEmpty()); // nothing here is confirmed or reported
-}
-
-void tst_identity::cleanupTestCase()
-{
-    m_desk.reset();
 }
 
 void tst_identity::model_isShownInCapitalsWithTheCursorKept()
@@ -272,6 +257,22 @@ void tst_identity::offsets_countAtTheNextInsert()
     QVERIFY(hand::choose(m_desk->window(), "comboBox_SLIDE", 4));
     QVERIFY(patience::waitFor([&] { return moved.count() == 2; }));
     QCOMPARE(m_desk->linesSince(mark).value(1), QString("$Z#STAGE ABS 36000"));
+}
+
+void tst_identity::serialWithB_hidesTheFluorescenceAfterTheNextStart()
+{
+    const QStringList buttons { "pushButton_ILLUMINATION_GFP", "pushButton_ILLUMINATION_RFP" };
+    QVERIFY(open("TAB_QC2"));
+    QVERIFY(enterSerial("TV9", "00", "0B001"));
+    QVERIFY(click("pushButton_SERIAL_WRITE"));
+    for (const QString& button : buttons)
+        QVERIFY(m_desk->isShown(qPrintable(button)));
+    m_desk->close();
+    m_desk->open();
+    for (const QString& button : buttons)
+        QVERIFY(!m_desk->isShown(qPrintable(button)));
+    QCOMPARE(m_desk->text("lineEdit_SERIAL_SUFFIX"), QString("0B001"));
+    QVERIFY(m_desk->waitForConnection());
 }
 
 WORKFLOW_MAIN(tst_identity)

@@ -1,22 +1,12 @@
-#include "tests/workflows/Desk.h"
+#include "tests/workflows/LightTest.h"
 
 #include "views/CameraView.h"
 
-#include <QDoubleSpinBox>
-#include <QSlider>
-#include <QSpinBox>
-
-/// The three light channels and the tuning of the one in use: lines to the board, settings of the camera,
-/// controls, and what is stored.
-class tst_illumination : public QObject {
+/// The three light channels: lines to the board, settings of the camera, and what the controls show.
+class tst_illumination : public LightTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cleanupTestCase();
-
     void channel_bringsItsLight_data();
     void channel_bringsItsLight();
     void channel_takesItsValuesFromTheFile_data();
@@ -24,49 +14,15 @@ private slots:
     void brightField_showsTheSerialNumberAgain();
     void toggle_switchesOffAndBringsTheStoredLevelBack_data();
     void toggle_switchesOffAndBringsTheStoredLevelBack();
-    void gainBox_actsWhenTheEntryEnds();
-    void exposureBox_actsWhenTheEntryEnds();
-    void exposureOf0_isRefused();
     void cameraGetsTheExposureUnrounded();
-    void ledBoxes_sendBothLevels_data();
-    void ledBoxes_sendBothLevels();
-    void sliders_areDisabled();
-    void sliders_actOnReleaseOnly();
-    void gainSliderAbove180_shows18();
-    void set_storesTheControls_data();
-    void set_storesTheControls();
-    void setAndRecallOnGfp_losesTheTenths();
     void doubledReply_changesNothing();
     void withoutKnownCamera_fluorescenceHasNoGain();
-
-private:
-    bool click(const QString& button) { return hand::click(m_desk->window(), button); }
-    bool enter(const char* box, const QString& text)
-    {
-        return hand::type(m_desk->window(), box, text) && hand::press(m_desk->window(), box, Qt::Key_Return);
-    }
-    /// The camera's gain in dB as the program counts them, and its exposure in ms; `about` itself when the
-    /// camera is as near to that as its own steps let it be.
-    double gain(double about);
-    double exposureMs(double about);
-    /// The key and the default of a fluorescence gain with this camera.
-    QString gainKey() const { return m_bArduCam ? "Gain AR" : "Gain"; }
-    double defaultGain() const { return m_bArduCam ? 2.0 : 5.0; }
-    QJsonObject camera() { return m_desk->rig.state().value("camera").toObject(); }
-    int box(const char* name) { return m_desk->widget<QSpinBox>(name)->value(); }
-
-    std::unique_ptr<Desk> m_desk;
-    bool m_bArduCam = false;
 };
 
 namespace {
 
 const QString kNeutral = "font: 11pt 'Sans Serif'; color : black; background-color : none";
 const QString kLit = "font: 11pt 'Sans Serif'; color : white; background-color : ";
-
-/// Steps of the AR0134 in the range in use: one in 32 of the gain at the most, and half a line of exposure.
-constexpr double kGainStep = 0.15; ///< dB
-constexpr double kExposureStep = 0.0125; ///< ms
 
 /// The same file with the two fluorescence gains exchanged.
 QByteArray withGainsExchanged(QByteArray file)
@@ -75,46 +31,6 @@ QByteArray withGainsExchanged(QByteArray file)
 }
 
 } // namespace
-
-double tst_illumination::gain(double about)
-{
-    const double found = camera().value("gainDb").toDouble();
-    if (!m_bArduCam)
-        return found;
-    // What the program calls one dB with this camera is 2 dB of the signal.
-    return std::abs(found / 2.0 - about) < kGainStep ? about : found / 2.0;
-}
-
-double tst_illumination::exposureMs(double about)
-{
-    const double found = camera().value("exposureUs").toDouble() / 1000.0;
-    return m_bArduCam && std::abs(found - about) < kExposureStep ? about : found;
-}
-
-void tst_illumination::initTestCase()
-{
-    Desk::removeSettings();
-    m_desk.reset(new Desk);
-    m_bArduCam = m_desk->isArduCam();
-    QVERIFY(m_desk->connectUnit());
-    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_LIGHT"));
-}
-
-void tst_illumination::init()
-{
-    Desk::removeSettings();
-}
-
-void tst_illumination::cleanup()
-{
-    m_desk->rig.clearFaults();
-    QVERIFY(m_desk->boxes.boxes().isEmpty());
-}
-
-void tst_illumination::cleanupTestCase()
-{
-    m_desk.reset();
-}
 
 void tst_illumination::channel_bringsItsLight_data()
 {
@@ -153,11 +69,11 @@ void tst_illumination::channel_bringsItsLight()
     QTEST(m_desk->widget<CameraView>("BASLER_VIDEO_WIDGET")->pseudoColorTable(), "table");
     QFETCH(double, gain);
     QFETCH(int, exposure);
-    QCOMPARE(m_desk->widget<QDoubleSpinBox>("doubleSpinBox_GAIN")->value(), gain);
-    QCOMPARE(m_desk->widget<QSlider>("horizontalSlider_GAIN")->value(), int(10 * gain));
+    QCOMPARE(gainBox(), gain);
+    QCOMPARE(slider("horizontalSlider_GAIN"), int(10 * gain));
     QCOMPARE(this->gain(gain), gain);
     QCOMPARE(box("spinBox_EXPOSURE"), exposure);
-    QCOMPARE(m_desk->widget<QSlider>("horizontalSlider_EXPOSURE")->value(), exposure);
+    QCOMPARE(slider("horizontalSlider_EXPOSURE"), exposure);
     QCOMPARE(exposureMs(exposure), double(exposure));
     QTEST(box("spinBox_LED1"), "led1");
     QCOMPARE(box("spinBox_LED2"), led2);
@@ -202,15 +118,15 @@ void tst_illumination::channel_takesItsValuesFromTheFile()
     QFETCH(QString, channel);
     QFETCH(QByteArray, file);
     QFETCH(QString, led);
-    if (m_bArduCam && channel != "BF")
+    if (isArduCam() && channel != "BF")
         file = withGainsExchanged(file);
     Desk::putSettings(file);
     const int mark = m_desk->mark();
     QVERIFY(click("pushButton_ILLUMINATION_" + channel));
-    QTEST(m_desk->widget<QDoubleSpinBox>("doubleSpinBox_GAIN")->value(), "gainShown");
-    QTEST(m_desk->widget<QSlider>("horizontalSlider_GAIN")->value(), "gainSlider");
+    QTEST(gainBox(), "gainShown");
+    QTEST(slider("horizontalSlider_GAIN"), "gainSlider");
     QTEST(box("spinBox_EXPOSURE"), "exposureShown");
-    QTEST(m_desk->widget<QSlider>("horizontalSlider_EXPOSURE")->value(), "exposureSlider");
+    QTEST(slider("horizontalSlider_EXPOSURE"), "exposureSlider");
     QCOMPARE(m_desk->linesSince(mark).value(0), led);
     QCOMPARE(Desk::settings(), file);
 }
@@ -273,37 +189,6 @@ void tst_illumination::toggle_switchesOffAndBringsTheStoredLevelBack()
     QCOMPARE(box("spinBox_LED2"), channel == "BF" ? 6 : 0);
 }
 
-void tst_illumination::gainBox_actsWhenTheEntryEnds()
-{
-    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
-    QVERIFY(hand::type(m_desk->window(), "doubleSpinBox_GAIN", "7.5"));
-    QCOMPARE(gain(defaultGain()), defaultGain());
-    QVERIFY(hand::press(m_desk->window(), "doubleSpinBox_GAIN", Qt::Key_Return));
-    QCOMPARE(gain(7.5), 7.5);
-    QCOMPARE(m_desk->widget<QSlider>("horizontalSlider_GAIN")->value(), 75);
-}
-
-void tst_illumination::exposureBox_actsWhenTheEntryEnds()
-{
-    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
-    QVERIFY(hand::type(m_desk->window(), "spinBox_EXPOSURE", "123"));
-    QCOMPARE(exposureMs(80.0), 80.0);
-    QVERIFY(hand::press(m_desk->window(), "spinBox_EXPOSURE", Qt::Key_Return));
-    QCOMPARE(exposureMs(123.0), 123.0);
-    QCOMPARE(m_desk->widget<QSlider>("horizontalSlider_EXPOSURE")->value(), 123);
-}
-
-void tst_illumination::exposureOf0_isRefused()
-{
-    Desk::putSettings("[Ch. GFP]\nExposure=62.9\n");
-    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
-    QVERIFY(enter("spinBox_EXPOSURE", "200"));
-    QVERIFY(enter("spinBox_EXPOSURE", "0"));
-    QCOMPARE(box("spinBox_EXPOSURE"), 62); // what was read, cut
-    QCOMPARE(m_desk->widget<QSlider>("horizontalSlider_EXPOSURE")->value(), 62);
-    QCOMPARE(exposureMs(62.0), 62.0);
-}
-
 void tst_illumination::cameraGetsTheExposureUnrounded()
 {
     Desk::putSettings("[Ch. RFP]\nGain=1.96\nExposure=62.9\n");
@@ -312,124 +197,6 @@ void tst_illumination::cameraGetsTheExposureUnrounded()
     const double exposure = exposureMs(62.9);
     QVERIFY2(std::abs(exposure - 62.9) < 0.05, qPrintable(QString::number(exposure)));
     QVERIFY2(std::abs(gain(1.96) - 1.96) < 0.001, qPrintable(QString::number(gain(1.96))));
-}
-
-void tst_illumination::ledBoxes_sendBothLevels_data()
-{
-    QTest::addColumn<QString>("channel");
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<QString>("line");
-    QTest::newRow("BF, first") << "BF"
-                               << "spinBox_LED1"
-                               << "$A#LED BRT1 123 6";
-    QTest::newRow("BF, second") << "BF"
-                                << "spinBox_LED2"
-                                << "$A#LED BRT1 7 123";
-    QTest::newRow("GFP") << "GFP"
-                         << "spinBox_LED1"
-                         << "$A#LED BRT2 123";
-    QTest::newRow("RFP") << "RFP"
-                         << "spinBox_LED1"
-                         << "$A#LED BRT3 123";
-}
-
-void tst_illumination::ledBoxes_sendBothLevels()
-{
-    QFETCH(QString, channel);
-    QFETCH(QString, box);
-    QFETCH(QString, line);
-    QVERIFY(click("pushButton_ILLUMINATION_" + channel));
-    QVERIFY(hand::type(m_desk->window(), box, "123"));
-    const int mark = m_desk->mark();
-    QCOMPARE(m_desk->linesSince(mark), QStringList()); // typing sends nothing
-    QVERIFY(hand::press(m_desk->window(), box, Qt::Key_Return));
-    QCOMPARE(m_desk->linesSince(mark), QStringList({ line }));
-}
-
-void tst_illumination::sliders_areDisabled()
-{
-    for (const char* channel : { "GFP", "RFP", "BF" }) {
-        QVERIFY(click(QString("pushButton_ILLUMINATION_") + channel));
-        QVERIFY(!m_desk->isEnabled("horizontalSlider_GAIN"));
-        QVERIFY(!m_desk->isEnabled("horizontalSlider_EXPOSURE"));
-    }
-    // With a camera the gain goes no further than this.
-    QCOMPARE(m_desk->widget<QSlider>("horizontalSlider_GAIN")->maximum(), 270);
-}
-
-void tst_illumination::sliders_actOnReleaseOnly()
-{
-    // No hand reaches them in this form; the rule is that of their slots.
-    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
-    auto* gainSlider = m_desk->widget<QSlider>("horizontalSlider_GAIN");
-    gainSlider->setSliderDown(true);
-    gainSlider->setValue(105);
-    QCOMPARE(gain(defaultGain()), defaultGain());
-    QCOMPARE(m_desk->widget<QDoubleSpinBox>("doubleSpinBox_GAIN")->value(), defaultGain());
-    gainSlider->setSliderDown(false);
-    QCOMPARE(gain(10.5), 10.5);
-    QCOMPARE(m_desk->widget<QDoubleSpinBox>("doubleSpinBox_GAIN")->value(), 10.5);
-
-    auto* exposureSlider = m_desk->widget<QSlider>("horizontalSlider_EXPOSURE");
-    exposureSlider->setSliderDown(true);
-    exposureSlider->setValue(250);
-    QCOMPARE(exposureMs(80.0), 80.0);
-    exposureSlider->setSliderDown(false);
-    QCOMPARE(exposureMs(250.0), 250.0);
-    QCOMPARE(box("spinBox_EXPOSURE"), 250);
-}
-
-void tst_illumination::gainSliderAbove180_shows18()
-{
-    // The AR0134 takes more, up to where both its stages end, which is 18.04 dB.
-    QVERIFY(click("pushButton_ILLUMINATION_BF"));
-    auto* slider = m_desk->widget<QSlider>("horizontalSlider_GAIN");
-    slider->setSliderDown(true);
-    slider->setValue(260);
-    slider->setSliderDown(false);
-    QCOMPARE(m_desk->widget<QDoubleSpinBox>("doubleSpinBox_GAIN")->value(), 18.0);
-    QCOMPARE(gain(18.0), 18.0);
-}
-
-void tst_illumination::set_storesTheControls_data()
-{
-    QTest::addColumn<QString>("channel");
-    QTest::addColumn<QStringList>("lines");
-    QTest::newRow("BF") << "BF" << QStringList({ "[Ch. BF]", "Gain=7", "Exposure=123", "LED1=44", "LED2=6" });
-    QTest::newRow("GFP") << "GFP" << QStringList({ "[Ch. GFP]", gainKey() + "=7", "Exposure=123", "LED=44" });
-    QTest::newRow("RFP") << "RFP" << QStringList({ "[Ch. RFP]", gainKey() + "=7", "Exposure=123", "LED=44" });
-}
-
-void tst_illumination::set_storesTheControls()
-{
-    QFETCH(QString, channel);
-    QFETCH(QStringList, lines);
-    QVERIFY(click("pushButton_ILLUMINATION_" + channel));
-    QVERIFY(enter("doubleSpinBox_GAIN", "7.5")); // stored as 7
-    QVERIFY(enter("spinBox_EXPOSURE", "123"));
-    QVERIFY(enter("spinBox_LED1", "44"));
-    const int mark = m_desk->mark();
-    QVERIFY(click("pushButton_ILLUMINATION_SET"));
-    lines.sort();
-    QCOMPARE(sortedLines(Desk::settings()), lines);
-    QCOMPARE(m_desk->linesSince(mark), QStringList());
-    // The recall brings back what was stored.
-    QVERIFY(click("pushButton_ILLUMINATION_" + channel));
-    QCOMPARE(gain(7.0), 7.0);
-    QCOMPARE(exposureMs(123.0), 123.0);
-    QCOMPARE(box("spinBox_LED1"), 44);
-}
-
-void tst_illumination::setAndRecallOnGfp_losesTheTenths()
-{
-    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
-    QVERIFY(enter("doubleSpinBox_GAIN", "0.9"));
-    QVERIFY(click("pushButton_ILLUMINATION_SET"));
-    QVERIFY(click("pushButton_ILLUMINATION_SET")); // a second press stores the same
-    QVERIFY(sortedLines(Desk::settings()).contains(gainKey() + "=0"));
-    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
-    QCOMPARE(m_desk->widget<QDoubleSpinBox>("doubleSpinBox_GAIN")->value(), 0.0);
-    QCOMPARE(gain(0.0), 0.0);
 }
 
 void tst_illumination::doubledReply_changesNothing()
@@ -451,9 +218,9 @@ void tst_illumination::withoutKnownCamera_fluorescenceHasNoGain()
     m_desk.reset(new Desk);
     m_desk->open();
     m_desk->window().get_illumination_GAIN_ini(ILLUMINATION_GFP);
-    QCOMPARE(m_desk->widget<QDoubleSpinBox>("doubleSpinBox_GAIN")->value(), 0.0);
+    QCOMPARE(gainBox(), 0.0);
     m_desk->window().get_illumination_GAIN_ini(ILLUMINATION_BF);
-    QCOMPARE(m_desk->widget<QDoubleSpinBox>("doubleSpinBox_GAIN")->value(), 4.0);
+    QCOMPARE(gainBox(), 4.0);
     QVERIFY(m_desk->waitForConnection());
 }
 

@@ -1,4 +1,4 @@
-#include "tests/workflows/Desk.h"
+#include "tests/workflows/PageTest.h"
 
 #include "camera/framedelivery.h"
 
@@ -9,14 +9,19 @@
 #include <cmath>
 
 /// The intensity button: frames of the virtual unit measured, and three numbers on show.
-class tst_intensity_panel : public QObject {
+class tst_intensity_panel : public PageTest {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanupTestCase();
+public:
+    tst_intensity_panel()
+        : PageTest("TAB_LIGHT")
+    {
+    }
 
+protected slots:
+    void init() override;
+
+private slots:
     void values_areThoseOfTheFrame();
     void brightField_isOneObjectAndShows0();
     void emptySlide_hasNoObjects();
@@ -26,31 +31,17 @@ private slots:
     void values_areShownWithTwoDecimals();
 
 private:
-    bool press() { return hand::click(m_desk->window(), "pushButton_INTENSITY"); }
+    bool press() { return click("pushButton_INTENSITY"); }
     double average() { return m_desk->text("lineEdit_INTENSITY_AVERAGE").toDouble(); }
     double object() { return m_desk->text("lineEdit_INTENSITY_OBJECT").toDouble(); }
     double background() { return m_desk->text("lineEdit_INTENSITY_BACKGROUND").toDouble(); }
     bool show(const char* slide, int x, const char* channel = "bf");
-
-    std::unique_ptr<Desk> m_desk;
 };
-
-void tst_intensity_panel::initTestCase()
-{
-    Desk::removeSettings();
-    m_desk.reset(new Desk);
-    QVERIFY(m_desk->connectUnit());
-    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_LIGHT"));
-}
 
 void tst_intensity_panel::init()
 {
-    QVERIFY(hand::click(m_desk->window(), "pushButton_ILLUMINATION_BF"));
-}
-
-void tst_intensity_panel::cleanupTestCase()
-{
-    m_desk.reset();
+    PageTest::init();
+    QVERIFY(click("pushButton_ILLUMINATION_BF"));
 }
 
 /// Puts a slide under the objective, in focus, and waits until a frame of it has come.
@@ -69,7 +60,7 @@ bool tst_intensity_panel::show(const char* slide, int x, const char* channel)
 
 void tst_intensity_panel::values_areThoseOfTheFrame()
 {
-    QVERIFY(hand::click(m_desk->window(), "pushButton_ILLUMINATION_GFP"));
+    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
     QVERIFY(show("2ch", 30931, "gfp"));
     cv::Mat frame;
     QVERIFY(FrameDelivery::m_pInstance->pushMatImage(frame));
@@ -95,7 +86,7 @@ void tst_intensity_panel::brightField_isOneObjectAndShows0()
 void tst_intensity_panel::emptySlide_hasNoObjects()
 {
     // Fewer than ten things stand out where the tray alone is seen in the dark.
-    QVERIFY(hand::click(m_desk->window(), "pushButton_LED_TOGGLE"));
+    QVERIFY(click("pushButton_LED_TOGGLE"));
     QVERIFY(show("empty", 60000));
     QVERIFY(press());
     QVERIFY(average() > 0.0);
@@ -105,7 +96,7 @@ void tst_intensity_panel::emptySlide_hasNoObjects()
 
 void tst_intensity_panel::darkFrame_isNearTheBlackLevel()
 {
-    QVERIFY(hand::click(m_desk->window(), "pushButton_LED_TOGGLE"));
+    QVERIFY(click("pushButton_LED_TOGGLE"));
     QVERIFY(show("2ch", 30931));
     QVERIFY(press());
     const double blackLevel = m_desk->rig.truth().value("blackLevel").toDouble();
@@ -144,7 +135,7 @@ void tst_intensity_panel::secondPress_measuresAgain()
         [&measured] { ++measured; });
     QVERIFY(press());
     const double bright = average();
-    QVERIFY(hand::click(m_desk->window(), "pushButton_LED_TOGGLE"));
+    QVERIFY(click("pushButton_LED_TOGGLE"));
     QVERIFY(show("2ch", 30931));
     QVERIFY(press());
     QVERIFY(press());

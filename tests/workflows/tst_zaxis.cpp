@@ -1,18 +1,21 @@
-#include "tests/workflows/Desk.h"
+#include "tests/workflows/PageTest.h"
 
 #include <QPushButton>
-#include <QSpinBox>
 
-/// The manual controls of the focus axis, each as the board sees it and as the screen shows it.
-class tst_zaxis : public QObject {
+/// The manual controls of the focus axis that name a number: settings, moves by position, the offset.
+class tst_zaxis : public PageTest {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cleanupTestCase();
+public:
+    tst_zaxis()
+        : PageTest("TAB_STAGE")
+    {
+    }
 
+protected slots:
+    void init() override;
+
+private slots:
     void commands_sendTheFieldAsTyped_data();
     void commands_sendTheFieldAsTyped();
     void absolute_sendsTheNumberInTheField_data();
@@ -24,14 +27,6 @@ private slots:
     void lostReply_leavesTheButtonUntilTheNextOfItsKind();
     void doubledReply_changesNothingMore();
     void position_isAskedForAndShown();
-    void stepDown_setsTheDirectionAndRuns();
-    void stepUp_setsTheDirectionAndRuns();
-    void stepSize_isTheOneLastSent();
-    void heldStepButton_movesOnce();
-    void lostReplyOfAStep_leavesTheButtonUntilTheNextStep();
-    void heldBottomOrTop_runsUntilReleased_data();
-    void heldBottomOrTop_runsUntilReleased();
-    void stop_asksForThePosition();
     void silentBoard_queuedCommandsDoNotHoldTheWindow();
     void offset_isStoredAndNothingIsSent_data();
     void offset_isStoredAndNothingIsSent();
@@ -40,38 +35,13 @@ private slots:
 private:
     QString position() { return m_desk->text("lineEdit_POSITION_Z"); }
     int trueZ() { return m_desk->rig.state().value("z").toInt(); }
-    bool click(const char* button) { return hand::click(m_desk->window(), button); }
-    bool becomesEnabled(const char* button)
-    {
-        return patience::waitFor([&] { return m_desk->isEnabled(button); });
-    }
-
-    std::unique_ptr<Desk> m_desk;
 };
-
-void tst_zaxis::initTestCase()
-{
-    Desk::removeSettings();
-    m_desk.reset(new Desk);
-    QVERIFY(m_desk->connectUnit());
-}
 
 void tst_zaxis::init()
 {
+    PageTest::init();
     QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_STAGE"));
     QVERIFY(m_desk->rig.set("z", 32000));
-}
-
-void tst_zaxis::cleanup()
-{
-    m_desk->rig.clearFaults();
-    m_desk->rig.set("quick", true);
-    QVERIFY(m_desk->boxes.boxes().isEmpty()); // the panel has no message at all
-}
-
-void tst_zaxis::cleanupTestCase()
-{
-    m_desk.reset();
 }
 
 void tst_zaxis::commands_sendTheFieldAsTyped_data()
@@ -190,21 +160,13 @@ void tst_zaxis::absoluteWhileReferenceIsUnderWay_bothReturnAtTheFirstReply()
 
 void tst_zaxis::secondClickWhileTheStageMoves_sendsNothing()
 {
-    QVERIFY(m_desk->rig.fault("late", "$Z#STAGE", 2, 200));
+    QVERIFY(m_desk->rig.fault("late", "$Z#STAGE ABS", 1, 200));
     QVERIFY(hand::type(m_desk->window(), "lineEdit_ABS_Z", "31800"));
-    int mark = m_desk->mark();
+    const int mark = m_desk->mark();
     QVERIFY(click("pushButton_ABS_Z"));
     QTest::mouseClick(m_desk->widget("pushButton_ABS_Z"), Qt::LeftButton);
     QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE ABS 31800" }));
     QVERIFY(becomesEnabled("pushButton_ABS_Z"));
-
-    m_desk->rig.clearFaults();
-    QVERIFY(m_desk->rig.fault("late", "$Z#STAGE RUN", 1, 200));
-    mark = m_desk->mark();
-    QVERIFY(click("pushButton_MVN_Z"));
-    QTest::mouseClick(m_desk->widget("pushButton_MVN_Z"), Qt::LeftButton);
-    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE DIR MINUS", "$Z#STAGE RUN" }));
-    QVERIFY(becomesEnabled("pushButton_MVN_Z"));
 }
 
 void tst_zaxis::lostReply_leavesTheButtonUntilTheNextOfItsKind()
@@ -214,7 +176,7 @@ void tst_zaxis::lostReply_leavesTheButtonUntilTheNextOfItsKind()
     QVERIFY(click("pushButton_ABS_Z"));
     // Another reply of the axis does not bring it back.
     QVERIFY(click("pushButton_POSITION_Z"));
-    QVERIFY(patience::waitFor([this] { return position() == "31700"; }));
+    QVERIFY(comesToShow("lineEdit_POSITION_Z", "31700"));
     QCOMPARE(m_desk->text("pushButton_ABS_Z"), QString("~~~"));
     QVERIFY(!m_desk->isEnabled("pushButton_ABS_Z"));
     QVERIFY(click("pushButton_REFERENCE_Z"));
@@ -241,116 +203,8 @@ void tst_zaxis::position_isAskedForAndShown()
     QVERIFY(m_desk->rig.set("z", 30123));
     const int mark = m_desk->mark();
     QVERIFY(click("pushButton_POSITION_Z"));
-    QVERIFY(patience::waitFor([this] { return position() == "30123"; }));
+    QVERIFY(comesToShow("lineEdit_POSITION_Z", "30123"));
     QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE POS" }));
-}
-
-void tst_zaxis::stepDown_setsTheDirectionAndRuns()
-{
-    QVERIFY(hand::type(m_desk->window(), "lineEdit_STEP_Z", "115"));
-    QVERIFY(click("pushButton_STEP_Z"));
-    const int mark = m_desk->mark();
-    QVERIFY(click("pushButton_MVN_Z"));
-    QVERIFY(!m_desk->isEnabled("pushButton_MVN_Z"));
-    QVERIFY(m_desk->isEnabled("pushButton_MVP_Z")); // the pressed button only
-    QVERIFY(becomesEnabled("pushButton_MVN_Z"));
-    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE DIR MINUS", "$Z#STAGE RUN" }));
-    QCOMPARE(position(), QString("31885"));
-    QCOMPARE(trueZ(), 31885);
-}
-
-void tst_zaxis::stepUp_setsTheDirectionAndRuns()
-{
-    QVERIFY(hand::type(m_desk->window(), "lineEdit_STEP_Z", "115"));
-    QVERIFY(click("pushButton_STEP_Z"));
-    const int mark = m_desk->mark();
-    QVERIFY(click("pushButton_MVP_Z"));
-    QVERIFY(!m_desk->isEnabled("pushButton_MVP_Z"));
-    QVERIFY(m_desk->isEnabled("pushButton_MVN_Z"));
-    QVERIFY(becomesEnabled("pushButton_MVP_Z"));
-    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE DIR PLUS", "$Z#STAGE RUN" }));
-    QCOMPARE(position(), QString("32115"));
-}
-
-void tst_zaxis::stepSize_isTheOneLastSent()
-{
-    QVERIFY(hand::type(m_desk->window(), "lineEdit_STEP_Z", "40"));
-    QVERIFY(click("pushButton_STEP_Z"));
-    QVERIFY(hand::type(m_desk->window(), "lineEdit_STEP_Z", "9999")); // typed and not sent
-    QVERIFY(click("pushButton_MVP_Z"));
-    QVERIFY(becomesEnabled("pushButton_MVP_Z"));
-    QCOMPARE(position(), QString("32040"));
-}
-
-void tst_zaxis::heldStepButton_movesOnce()
-{
-    for (const char* name : { "pushButton_MVN_Z", "pushButton_MVP_Z" }) {
-        auto* button = m_desk->widget<QPushButton>(name);
-        QVERIFY(button->autoRepeat());
-        const int mark = m_desk->mark();
-        QTest::mousePress(button, Qt::LeftButton);
-        QVERIFY(m_desk->rig.waitForSent("$Z#STAGE RUN", mark));
-        QVERIFY(becomesEnabled(name));
-        // Still held, and several intervals of the repetition long.
-        QTest::qWait(3 * button->autoRepeatInterval() + button->autoRepeatDelay());
-        QTest::mouseRelease(button, Qt::LeftButton);
-        QCOMPARE(m_desk->linesSince(mark).filter("RUN").size(), 1);
-    }
-}
-
-void tst_zaxis::lostReplyOfAStep_leavesTheButtonUntilTheNextStep()
-{
-    QVERIFY(m_desk->rig.fault("lose", "$Z#STAGE RUN"));
-    const int mark = m_desk->mark();
-    QVERIFY(click("pushButton_MVN_Z"));
-    QCOMPARE(m_desk->linesSince(mark).last(), QString("$Z#STAGE RUN"));
-    QVERIFY(!m_desk->isEnabled("pushButton_MVN_Z"));
-    QVERIFY(click("pushButton_MVP_Z"));
-    QVERIFY(becomesEnabled("pushButton_MVN_Z"));
-    QVERIFY(m_desk->isEnabled("pushButton_MVP_Z"));
-}
-
-void tst_zaxis::heldBottomOrTop_runsUntilReleased_data()
-{
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<int>("sign");
-    QTest::newRow("bottom") << "pushButton_RON_Z"
-                            << "$Z#STAGE BOTTOM" << -1;
-    QTest::newRow("top") << "pushButton_ROP_Z"
-                         << "$Z#STAGE TOP" << +1;
-}
-
-void tst_zaxis::heldBottomOrTop_runsUntilReleased()
-{
-    QFETCH(QString, button);
-    QFETCH(QString, line);
-    QFETCH(int, sign);
-    QVERIFY(m_desk->rig.set("quick", false));
-    QVERIFY(hand::type(m_desk->window(), "lineEdit_SPEED_Z", "100"));
-    QVERIFY(click("pushButton_SPEED_Z"));
-    auto* widget = m_desk->window().findChild<QPushButton*>(button);
-    const int mark = m_desk->mark();
-    QTest::mousePress(widget, Qt::LeftButton);
-    // While it is held the stage runs, further than any step.
-    QVERIFY(patience::waitFor([&] { return sign * (trueZ() - 32000) > 1000; }));
-    QVERIFY(m_desk->rig.state().value("zMoving").toBool());
-    QCOMPARE(m_desk->linesSince(mark), QStringList({ line }));
-    QTest::mouseRelease(widget, Qt::LeftButton);
-    QVERIFY(patience::waitFor([this] { return position() == QString::number(trueZ()); }));
-    QVERIFY(!m_desk->rig.state().value("zMoving").toBool());
-    QVERIFY(sign * (position().toInt() - 32000) > 1000);
-    QVERIFY(position().toInt() > 0 && position().toInt() < 65000);
-    QCOMPARE(m_desk->linesSince(mark), QStringList({ line, "$Z#STAGE STOP", "$Z#STAGE POS" }));
-}
-
-void tst_zaxis::stop_asksForThePosition()
-{
-    QVERIFY(m_desk->rig.set("z", 29999));
-    const int mark = m_desk->mark();
-    QVERIFY(click("pushButton_STOP_Z"));
-    QVERIFY(patience::waitFor([this] { return position() == "29999"; }));
-    QCOMPARE(m_desk->linesSince(mark), QStringList({ "$Z#STAGE STOP", "$Z#STAGE POS" }));
 }
 
 void tst_zaxis::silentBoard_queuedCommandsDoNotHoldTheWindow()
@@ -401,7 +255,7 @@ void tst_zaxis::offset_isStoredAndNothingIsSent()
 void tst_zaxis::moveTypedAtTheConsole_leavesThePositionShown()
 {
     QVERIFY(click("pushButton_POSITION_Z"));
-    QVERIFY(patience::waitFor([this] { return position() == "32000"; }));
+    QVERIFY(comesToShow("lineEdit_POSITION_Z", "32000"));
     QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_DEBUG"));
     QVERIFY(hand::type(m_desk->window(), "lineEdit_SEND_CMD_CONTROLLER", "$Z#STAGE TOP"));
     const int logMark = m_desk->log.mark();
