@@ -3,9 +3,12 @@
 import re
 import unittest
 
-from sources import TOP
+from sources import TOP, quoted
 
 NOT_OURS = {"build", ".git"}
+# A path from the root of the tree, without a wildcard or a name to be filled in.
+PATH = re.compile(r"(app|link|camera|views|algorithms|storage|platform|simulator|tests|bench|scripts|docs|packaging|cmake)"
+                  r"/[\w./-]+")
 
 
 def documents():
@@ -25,6 +28,14 @@ class Links(unittest.TestCase):
         broken = [f"{file.relative_to(TOP)}: {target}" for file in documents() for target in links(file)
                   if not (file.parent / target).exists()]
         self.assertEqual(broken, [])
+
+    def test_everyPathThatADocumentNames_isThere(self):
+        named = {(page.name, text.rstrip("/")) for page in (TOP / "docs").glob("*.md")
+                 for text in quoted(page.read_text()) if PATH.fullmatch(text)}
+        self.assertGreater(len(named), 20)
+        # A class or module stands for its header and its source.
+        missing = [f"{page}: {path}" for page, path in sorted(named) if not any(TOP.glob(path + "*"))]
+        self.assertEqual(missing, [])
 
     def test_everyPictureOfTheDocuments_isShownSomewhere(self):
         shown = {(file.parent / target).resolve() for file in documents() for target in links(file)}
