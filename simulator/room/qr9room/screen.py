@@ -130,6 +130,13 @@ class Screen:
         """Waits until a window with this title is visible and returns its identifier."""
         return wait_for(f'the window "{title}"', lambda: self.windows(title), limit, still_hopeful)[0]
 
+    def wait_focus(self, window, limit=10):
+        """Waits until keys go to the window of this identifier: one that has just come up has them later."""
+        wait_for("a window to take the keys", lambda: self._focus() == str(window), limit)
+
+    def _focus(self):
+        return self._xdotool(["getwindowfocus", "-f"]).stdout.strip()
+
     def wait_no_window(self, window, limit=10):
         """Waits until the window of this identifier is no longer visible."""
         wait_for("a window to close", lambda: window not in self.windows(), limit)

@@ -16,7 +16,7 @@ def run(day):
     for box in ("checkBox_CAPTURE_GFP", "checkBox_CAPTURE_RFP"):
         day.hand.click(box)
     day.hand.click("pushButton_CAPTURE")
-    day.room.wait_window("Save Image", LIMIT)
+    day.room.screen.wait_focus(day.room.wait_window("Save Image", LIMIT))
     day.room.screen.type(f"/media/{LABEL}/{NAME}")
     day.screenshot("save-dialog")
     day.room.screen.key("Return")
