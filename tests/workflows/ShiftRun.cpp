@@ -41,6 +41,7 @@ bool ShiftRun::run()
         && hand::click(m_desk.window(), "pushButton_PIXEL_SHIFT");
     QObject::disconnect(looking);
     m_boxes = m_desk.boxes.boxes().mid(boxes);
+    m_measured = shifts();
     // The run ends with an insert, whose X move ends later.
     const bool inserted = patience::waitFor([this] { return m_desk.isEnabled("pushButton_INSERT"); });
     m_sent = m_desk.rig.sentSince(mark);

@@ -51,8 +51,9 @@ public:
     int reference() const { return m_reference; }
     /// Position that a step of the search found best, by its label "[1]" or "[2]" and the number of the run.
     int bestOf(const char* label, int index) const;
-    /// The texts of the four line edits.
+    /// The texts of the four line edits, now and at the end of the run.
     QStringList shifts();
+    QStringList measured() const { return m_measured; }
 
 private:
     void look(const uchar* pixels);
@@ -62,6 +63,7 @@ private:
     int m_reference = 0;
     QStringList m_sent;
     QStringList m_logged;
+    QStringList m_measured;
     QVector<ShownBox> m_boxes;
     QMap<int, Frame> m_first;
     QMap<std::pair<int, int>, Frame> m_last;

@@ -173,14 +173,8 @@ void tst_pixelshift::everyFrame_isStoredInItsChannelAndField()
 {
     // Unmoved, a part of the overlay is the brighter of bright field and fluorescence, which is raised by
     // 100.
-    const QStringList measured = m_run->shifts();
-    const std::array<const char*, 4> edits {
-        "lineEdit_SHIFT_GFP_X",
-        "lineEdit_SHIFT_GFP_Y",
-        "lineEdit_SHIFT_RFP_X",
-        "lineEdit_SHIFT_RFP_Y",
-    };
-    for (const char* edit : edits)
+    for (const char* edit :
+        { "lineEdit_SHIFT_GFP_X", "lineEdit_SHIFT_GFP_Y", "lineEdit_SHIFT_RFP_X", "lineEdit_SHIFT_RFP_Y" })
         m_desk->widget<QLineEdit>(edit)->setText("0.00");
     for (int field = 1; field <= ShiftRun::kFields; ++field) {
         const cv::Mat bf = m_run->lastThrough(1, field).pixels;
@@ -196,8 +190,6 @@ void tst_pixelshift::everyFrame_isStoredInItsChannelAndField()
         QCOMPARE(largestDifference(parts[1], green), 0.0);
         QCOMPARE(largestDifference(parts[2], bf), 0.0);
     }
-    for (std::size_t i = 0; i < edits.size(); ++i)
-        m_desk->widget<QLineEdit>(edits[i])->setText(measured[static_cast<int>(i)]);
 }
 
 void tst_pixelshift::fluorescence_isTakenAtHalfTheExposureAndAtItsOwnHeight()
@@ -241,7 +233,7 @@ void tst_pixelshift::averages_areTheInvertedShiftsOfTheUnit()
     const double expected[]
         = { -gfp[0].toDouble(), -gfp[1].toDouble(), -rfp[0].toDouble(), -rfp[1].toDouble() };
     for (int i = 0; i < 4; ++i) {
-        const double found = m_run->shifts()[i].toDouble();
+        const double found = m_run->measured()[i].toDouble();
         QVERIFY2(std::abs(found - expected[i]) <= 0.25,
             qPrintable(QString("%1: %2 for %3").arg(i).arg(found).arg(expected[i])));
     }
@@ -260,11 +252,11 @@ void tst_pixelshift::averages_arePlainMeansOfTheTwelveFields()
             sums[i] += words[3 + static_cast<int>(i)].toDouble();
     }
     for (std::size_t i = 0; i < sums.size(); ++i) {
-        const double shown = m_run->shifts()[static_cast<int>(i)].toDouble();
+        const double shown = m_run->measured()[static_cast<int>(i)].toDouble();
         QVERIFY(std::abs(shown - sums[i] / 12.0) <= 0.0101); // both are rounded to two decimals
     }
     QCOMPARE(m_run->logged().filter("avg. pixel shift:"),
-        QStringList({ "avg. pixel shift: " + m_run->shifts().join(" ") }));
+        QStringList({ "avg. pixel shift: " + m_run->measured().join(" ") }));
     QCOMPARE(m_run->logged().filter(QRegularExpression("^time\\.elapsed\\(\\): [0-9]+$")).size(), 12);
 }
 
@@ -282,7 +274,7 @@ void tst_pixelshift::offset_isLoggedAtTheStartAndAtEachMove()
 void tst_pixelshift::measured_isNotYetInTheFile()
 {
     QVERIFY(!Desk::settings().contains("Pixel shift"));
-    QVERIFY(m_run->shifts() != QStringList({ "0.00", "0.00", "0.00", "0.00" }));
+    QVERIFY(m_run->measured() != QStringList({ "0.00", "0.00", "0.00", "0.00" }));
 }
 
 WORKFLOW_MAIN(tst_pixelshift)

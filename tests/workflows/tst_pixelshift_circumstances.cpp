@@ -126,18 +126,21 @@ void tst_pixelshift_circumstances::endOfTheChannel_waitsForAMoveByHand()
     QVERIFY(slide.insert(SLIDE_8CH));
     QVERIFY(slide.move("pushButton_FIELD_NEXT"));
     int waits = 0;
-    QTimer technician;
     const int logMark = m_desk->log.mark();
-    connect(&technician, &QTimer::timeout, this, [&] {
-        const QStringList lines = m_desk->log.lines(logMark).filter("waiting for a move of X by hand");
-        if (lines.size() == waits)
+    QTimer look;
+    connect(&look, &QTimer::timeout, this, [&] {
+        if (m_desk->log.lines(logMark).filter("waiting for a move of X by hand").size() == waits)
             return;
         ++waits;
-        // The other pages can be used; one field back goes the hand.
-        QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_STAGE"));
-        QVERIFY(hand::click(m_desk->window(), "pushButton_FIELD_PREV"));
+        const int mark = m_desk->rig.mark();
+        patience::later(300, this, [this, mark] {
+            QCOMPARE(m_desk->rig.sentSince(mark), QStringList());
+            // The other pages can be used; one field back goes the hand.
+            QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_STAGE"));
+            QVERIFY(hand::click(m_desk->window(), "pushButton_FIELD_PREV"));
+        });
     });
-    technician.start(20);
+    look.start(20);
     QVERIFY(m_run->run());
     QCOMPARE(waits, 4);
     QCOMPARE(m_run->boxes().size(), 1);
