@@ -19,6 +19,7 @@ def run(day):
     day.hand.acknowledge("Info", LIMIT)
 
     day.table.same("exit code", 0, day.room.program.wait(LIMIT))
-    day.table.same("asked for behind the box", RESTART, "; ".join(day.room.stub_calls()[len(before):]))
+    calls = [call for call in day.room.stub_calls()[len(before):] if call.startswith("systemctl")]
+    day.table.same("asked for behind the box", RESTART, "; ".join(calls))
     camera = day.room.instrument.ask("state")["camera"]
     day.table.same("camera after the exit", "released", "open" if camera["open"] else "released")
