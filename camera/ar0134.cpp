@@ -62,17 +62,17 @@ AR0134::AR0134(const char* file, QObject* parent)
 
 AR0134::~AR0134()
 {
-    closeCamera(BLOCK);
+    closeCamera();
 }
 
-void AR0134::closeCamera(Waiting waiting)
+void AR0134::closeCamera()
 {
     slot_setLiveViewState(false);
     qDebug() << Q_FUNC_INFO << "closing";
     QMutexLocker lock(&m_mutex);
     while (m_bBusy) {
         lock.unlock();
-        if (waiting == PROCESS_EVENTS) {
+        if (QThread::currentThread()->loopLevel() > 0) {
             QCoreApplication::processEvents();
         }
         QThread::usleep(BUSY_PAUSE);
@@ -124,7 +124,9 @@ void AR0134::queueTrigger()
 void AR0134::slot_executeSoftwareTrigger()
 {
     QMutexLocker lock(&m_mutex);
-    m_bTriggerQueued = false;
+    if (sender() == this) {
+        m_bTriggerQueued = false;
+    }
     if (m_handle == nullptr || m_bBusy) {
         return;
     }

@@ -47,11 +47,6 @@ public:
         STATE_LIVE = 2,
     };
 
-    enum Waiting {
-        PROCESS_EVENTS,
-        BLOCK,
-    };
-
     /// 1 when at least one board is on the bus, else 0; lists the boards on the standard output.
     static int is_AR0134Attached();
 
@@ -65,9 +60,9 @@ public:
     bool open(const char* file);
 
     /// Ends live mode, waits for the trigger under way, and gives the board back. A trigger that is still
-    /// queued does not reach the library any more. With PROCESS_EVENTS the window stays alive meanwhile;
-    /// BLOCK is for those who are being destroyed, as events would find them half gone.
-    void closeCamera(Waiting waiting = PROCESS_EVENTS);
+    /// queued does not reach the library any more. Events of the calling thread are processed meanwhile, as
+    /// long as its event loop runs: those behind the loop's end would find a window that is half gone.
+    void closeCamera();
 
     /// One of State.
     int state() const;
@@ -146,7 +141,8 @@ private:
     ArduCamCfg m_config {};
     cv::Mat m_image;
     /// The next trigger of the live loop is queued. Live mode that is switched off and on again before that
-    /// one runs takes it over, so that there is one loop and not two.
+    /// one runs takes it over, as does a one-shot trigger that comes before it, so that there is one loop and
+    /// not two.
     bool m_bTriggerQueued = false;
     int m_subFormat = 0; ///< order of the colour filter, of formats that have one
 };

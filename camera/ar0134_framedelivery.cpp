@@ -27,8 +27,7 @@ Ar0134FrameDelivery::~Ar0134FrameDelivery()
 {
     qDebug() << Q_FUNC_INFO;
     const bool onThread = m_thread.isRunning();
-    // The view and the window around it are being taken down: no event may reach them any more.
-    m_pCamera->closeCamera(AR0134::BLOCK);
+    m_pCamera->closeCamera();
     m_thread.quit();
     m_thread.wait();
     if (!onThread) {
@@ -110,7 +109,8 @@ void Ar0134FrameDelivery::setCurrentGain(float gain)
 void Ar0134FrameDelivery::setCurrentExposure(double exposure)
 {
     constexpr double LONGEST = std::numeric_limits<unsigned int>::max();
-    const double microseconds = std::clamp(exposure * US_PER_MS + 0.5, 0.0, LONGEST);
+    // What is no number counts as the shortest.
+    const double microseconds = std::min(std::max(0.0, exposure * US_PER_MS + 0.5), LONGEST);
     m_pCamera->slot_setExposure(static_cast<unsigned int>(microseconds));
 }
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int searchRoundMs = 1000;
 constexpr int exchangeWaitMs = 10000;
-// A port in an error state ends every wait at once; this keeps the exchange from taking a whole processor.
+/// A port in an error state ends every wait at once; this keeps the exchange from taking a whole processor.
 constexpr unsigned long errorPauseMs = 20;
 
 constexpr char versionQuery[] = "$A#VER\n";

@@ -34,16 +34,19 @@ constexpr std::array<CodeRow, 7> kCodes { {
     { wire::Error::OldFirmware, USB_BOARD_FW_VERSION_NOT_SUPPORT_ERROR },
 } };
 
-/// The library's code of a failed reply or event: the one in its `value` where the instrument asks for a
-/// certain one, else that of the general error, else `otherwise`.
-Uint32 codeOf(const wire::Message& message, Uint32 otherwise)
+/// The library's code in the `value` of a failed reply or event, where the instrument asks for a certain one.
+std::optional<Uint32> askedCode(const wire::Message& message)
 {
-    if (message.value >= 1.0 && message.value <= 0xFFFF) {
-        return static_cast<Uint32>(message.value);
-    }
+    const bool asked = message.value >= 1.0 && message.value <= 0xFFFF;
+    return asked ? std::optional(static_cast<Uint32>(message.value)) : std::nullopt;
+}
+
+/// The library's code of a failed reply.
+Uint32 codeOf(const wire::Message& reply)
+{
     const auto row = std::find_if(kCodes.begin(), kCodes.end(),
-        [&message](const CodeRow& candidate) { return static_cast<int>(candidate.error) == message.code; });
-    return row == kCodes.end() ? otherwise : row->code;
+        [&reply](const CodeRow& candidate) { return static_cast<int>(candidate.error) == reply.code; });
+    return askedCode(reply).value_or(row == kCodes.end() ? USB_CAMERA_VR_COMMAND_ERROR : row->code);
 }
 
 Uint32 resultOf(const std::optional<wire::Packet>& reply)
@@ -51,7 +54,7 @@ Uint32 resultOf(const std::optional<wire::Packet>& reply)
     if (!reply) {
         return USB_CAMERA_USB_TASK_ERROR;
     }
-    return reply->head.code >= 0 ? USB_CAMERA_NO_ERROR : codeOf(reply->head, USB_CAMERA_VR_COMMAND_ERROR);
+    return reply->head.code >= 0 ? USB_CAMERA_NO_ERROR : codeOf(reply->head);
 }
 
 wire::Message message(wire::Kind kind, const char* name = "")
@@ -191,7 +194,7 @@ Uint32 UsbBoard::getSingleFrame(ArduCamOutData*& data, int timeoutMs)
 Uint32 UsbBoard::deliver(const wire::Packet& frame)
 {
     if (frame.head.code != 0) {
-        return codeOf(frame.head, USB_CAMERA_USB_TIMEOUT_ERROR);
+        return askedCode(frame.head).value_or(USB_CAMERA_USB_TIMEOUT_ERROR);
     }
     const std::size_t expected = std::size_t(m_config.u32Width) * m_config.u32Height * m_config.u8PixelBytes;
     const std::size_t got = frame.payload.size();

@@ -1,11 +1,9 @@
-#include "camera/ar0134.h"
-#include "tests/camera/Ar0134Bench.h"
-#include "tests/platform/ScriptedBoard.h"
+#include "tests/camera/Ar0134Tests.h"
+#include "tests/support/LogCapture.h"
 
 #include <QtTest>
 
 #include <algorithm>
-#include <memory>
 
 using qr9::wire::Kind;
 using Request = ScriptedBoard::Request;
@@ -13,9 +11,10 @@ using Requests = std::vector<Request>;
 
 namespace {
 
-/// Everything that a driver can be asked, of one that is closed.
+/// Everything that a driver can be asked, of one that is closed: it does nothing, which is no error.
 void callEverything(AR0134& camera)
 {
+    const QSignalSpy errors(&camera, &AR0134::signal_cameraError);
     camera.slot_setGain(3.0);
     camera.slot_setGain(-3.0);
     camera.slot_setExposure(1000);
@@ -33,26 +32,16 @@ void callEverything(AR0134& camera)
     QCOMPARE(camera.getGain(), -1.0);
     QCOMPARE(camera.getExposure(), -1);
     QCOMPARE(camera.state(), int(AR0134::STATE_CLOSED));
+    QVERIFY(errors.isEmpty());
 }
 
 } // namespace
 
 // How the board is found, opened, set up and given back.
-class tst_ar0134 : public QObject {
+class tst_ar0134 : public BoardTest {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_board = std::make_unique<ScriptedBoard>();
-        m_bench = std::make_unique<Ar0134Bench>();
-    }
-    void cleanup()
-    {
-        m_bench.reset();
-        m_board.reset();
-    }
-
     void attachedBoards_areListed()
     {
         m_board->setBoards(2);
@@ -207,6 +196,20 @@ private slots:
         QVERIFY(std::find(requests.begin(), requests.end(), pedestal) != requests.end());
     }
 
+    void openingAndClosing_areLogged()
+    {
+        const LogCapture log;
+        AR0134 camera(m_bench->file());
+        for (const char* line :
+            { "bool AR0134::camera_initFromFile(const char*, void*&)", "void AR0134::setPedestal(uint16_t)",
+                "void AR0134::slot_setGain(double)", "void AR0134::slot_setExposure(unsigned int)" }) {
+            QVERIFY2(log.contains(line), line);
+        }
+        const int mark = log.mark();
+        camera.closeCamera();
+        QCOMPARE(log.lines(mark).filter("void AR0134::closeCamera()").size(), 2); // before and after
+    }
+
     void closedCamera_givesTheBoardBackOnceAndAnswersNothing()
     {
         AR0134 camera(m_bench->file());
@@ -218,10 +221,6 @@ private slots:
         callEverything(camera);
         QVERIFY(m_board->requests().empty());
     }
-
-private:
-    std::unique_ptr<ScriptedBoard> m_board;
-    std::unique_ptr<Ar0134Bench> m_bench;
 };
 
 QTEST_GUILESS_MAIN(tst_ar0134)

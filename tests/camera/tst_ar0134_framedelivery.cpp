@@ -1,32 +1,17 @@
-#include "camera/ar0134_framedelivery.h"
-#include "tests/camera/Ar0134Bench.h"
-#include "tests/platform/ScriptedBoard.h"
+#include "tests/camera/Ar0134Tests.h"
 #include "tests/support/LogCapture.h"
 
 #include <QtTest>
 
 #include <cmath>
-#include <memory>
 
 using qr9::wire::Kind;
 
 // The frame source on the driver: opening, units, frames before and after a one-shot trigger, and its end.
-class tst_ar0134_framedelivery : public QObject {
+class tst_ar0134_framedelivery : public SourceTest {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_board = std::make_unique<ScriptedBoard>();
-        m_bench = std::make_unique<Ar0134Bench>();
-    }
-    void cleanup()
-    {
-        m_source.reset();
-        m_bench.reset();
-        m_board.reset();
-    }
-
     void attachedBoard_isFound()
     {
         QVERIFY(Ar0134FrameDelivery::isCameraAttached());
@@ -110,8 +95,21 @@ private slots:
         QCOMPARE(m_source->getCurrentExposure(), 19.999F);
         m_source->setCurrentExposure(0.0245); // 24.5 us and a half, truncated: 25 us
         QCOMPARE(int(m_board->reg(0x3012)), 1);
-        m_source->setCurrentExposure(-5.0);
+    }
+
+    void exposureThatIsNoTime_isTheShortest_data()
+    {
+        QTest::addColumn<double>("exposure");
+        QTest::newRow("negative") << -5.0;
+        QTest::newRow("no number") << std::nan("");
+    }
+    void exposureThatIsNoTime_isTheShortest()
+    {
+        QFETCH(double, exposure);
+        open();
+        m_source->setCurrentExposure(exposure);
         QCOMPARE(int(m_board->reg(0x3012)), 0);
+        QCOMPARE(m_board->requests().back(), ScriptedBoard::write(0x3012, 0));
     }
 
     void gain_isPassedOnInDecibel()
@@ -151,7 +149,9 @@ private slots:
     {
         open();
         m_source->triggerAndWaitForFrame(true);
+        const LogCapture log;
         QCOMPARE(m_source->getIntensity(), 100.0 * 962.0 / 960.0);
+        QVERIFY(log.contains("virtual double Ar0134FrameDelivery::getIntensity()"));
     }
 
     void framesBeforeTheFirst_areFalse()
@@ -177,17 +177,6 @@ private slots:
         QCOMPARE(int(image.constScanLine(959)[1279]), 100);
         QCOMPARE(m_board->count(Kind::Trigger), 1);
     }
-
-private:
-    void open()
-    {
-        m_source = std::make_unique<Ar0134FrameDelivery>();
-        QVERIFY(m_source->isRunning());
-    }
-
-    std::unique_ptr<ScriptedBoard> m_board;
-    std::unique_ptr<Ar0134Bench> m_bench;
-    std::unique_ptr<Ar0134FrameDelivery> m_source;
 };
 
 QTEST_GUILESS_MAIN(tst_ar0134_framedelivery)

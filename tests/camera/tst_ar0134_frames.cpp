@@ -1,11 +1,6 @@
-#include "camera/ar0134.h"
-#include "tests/camera/Ar0134Bench.h"
-#include "tests/platform/ScriptedBoard.h"
+#include "tests/camera/Ar0134Tests.h"
 
-#include <QSignalSpy>
 #include <QtTest>
-
-#include <memory>
 
 using qr9::wire::Kind;
 using Bytes = ScriptedBoard::Bytes;
@@ -27,24 +22,10 @@ Bytes markedPicture(std::uint8_t above, std::uint8_t inside, std::uint8_t below)
 } // namespace
 
 // The frame that a trigger brings, as the program gets it.
-class tst_ar0134_frames : public QObject {
+class tst_ar0134_frames : public DriverTest {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_board = std::make_unique<ScriptedBoard>();
-        m_bench = std::make_unique<Ar0134Bench>();
-    }
-    void cleanup()
-    {
-        m_errors.reset();
-        m_ready.reset();
-        m_camera.reset();
-        m_bench.reset();
-        m_board.reset();
-    }
-
     void beforeTheFirstFrame_thereIsNoPicture()
     {
         open();
@@ -200,35 +181,12 @@ private slots:
     }
 
 private:
-    void open()
-    {
-        m_camera = std::make_unique<AR0134>(m_bench->file());
-        QCOMPARE(m_camera->state(), int(AR0134::STATE_OPEN));
-        m_errors = std::make_unique<QSignalSpy>(m_camera.get(), &AR0134::signal_cameraError);
-        m_ready = std::make_unique<QSignalSpy>(m_camera.get(), &AR0134::sig_imgReady);
-    }
-
     static QImage blackImage()
     {
         QImage image(1280, 960, QImage::Format_Indexed8);
         image.fill(0);
         return image;
     }
-
-    QVector<int> errors() const
-    {
-        QVector<int> numbers;
-        for (const QList<QVariant>& arguments : *m_errors) {
-            numbers.append(static_cast<int>(arguments.first().value<AR0134::cameraError>()));
-        }
-        return numbers;
-    }
-
-    std::unique_ptr<ScriptedBoard> m_board;
-    std::unique_ptr<Ar0134Bench> m_bench;
-    std::unique_ptr<AR0134> m_camera;
-    std::unique_ptr<QSignalSpy> m_errors;
-    std::unique_ptr<QSignalSpy> m_ready;
 };
 
 QTEST_GUILESS_MAIN(tst_ar0134_frames)

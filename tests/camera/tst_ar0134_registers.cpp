@@ -1,38 +1,25 @@
-#include "camera/ar0134.h"
-#include "tests/camera/Ar0134Bench.h"
-#include "tests/platform/ScriptedBoard.h"
+#include "tests/camera/Ar0134Tests.h"
 
-#include <QSignalSpy>
 #include <QtTest>
 
 #include <cmath>
-#include <memory>
 
 using Requests = std::vector<ScriptedBoard::Request>;
 
 // Exposure, gain, mirrors and pedestal, register by register, and errors 1 to 6: each is told once, with its
 // number and its line in the critical log.
-class tst_ar0134_registers : public QObject {
+class tst_ar0134_registers : public DriverTest {
     Q_OBJECT
 
-private slots:
-    void init()
+protected slots:
+    void init() override
     {
-        m_board = std::make_unique<ScriptedBoard>();
-        m_bench = std::make_unique<Ar0134Bench>();
-        m_camera = std::make_unique<AR0134>(m_bench->file());
-        QCOMPARE(m_camera->state(), int(AR0134::STATE_OPEN));
+        DriverTest::init();
+        open();
         m_board->forgetRequests();
-        m_errors = std::make_unique<QSignalSpy>(m_camera.get(), &AR0134::signal_cameraError);
-    }
-    void cleanup()
-    {
-        m_errors.reset();
-        m_camera.reset();
-        m_bench.reset();
-        m_board.reset();
     }
 
+private slots:
     void exposure_isCountedInLines_data()
     {
         QTest::addColumn<uint>("exposure");
@@ -203,23 +190,6 @@ private slots:
         QCOMPARE(errors(), QVector<int> { 6 });
         QVERIFY(m_board->requests().empty());
     }
-
-private:
-    static void expect(const char* line) { QTest::ignoreMessage(QtCriticalMsg, line); }
-
-    QVector<int> errors() const
-    {
-        QVector<int> numbers;
-        for (const QList<QVariant>& arguments : *m_errors) {
-            numbers.append(static_cast<int>(arguments.first().value<AR0134::cameraError>()));
-        }
-        return numbers;
-    }
-
-    std::unique_ptr<ScriptedBoard> m_board;
-    std::unique_ptr<Ar0134Bench> m_bench;
-    std::unique_ptr<AR0134> m_camera;
-    std::unique_ptr<QSignalSpy> m_errors;
 };
 
 QTEST_GUILESS_MAIN(tst_ar0134_registers)

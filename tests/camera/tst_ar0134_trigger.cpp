@@ -1,11 +1,10 @@
-#include "camera/ar0134.h"
-#include "tests/camera/Ar0134Bench.h"
-#include "tests/platform/ScriptedBoard.h"
+#include "tests/camera/Ar0134Tests.h"
+#include "tests/camera/ThreadState.h"
 
-#include <QSignalSpy>
 #include <QThread>
 #include <QtTest>
 
+#include <atomic>
 #include <memory>
 
 using qr9::wire::Kind;
@@ -13,24 +12,10 @@ using Bytes = ScriptedBoard::Bytes;
 using Shot = ScriptedBoard::Shot;
 
 // One trigger at a time: errors 7 to 10, who is passed over, who is woken, and closing in the middle of it.
-class tst_ar0134_trigger : public QObject {
+class tst_ar0134_trigger : public DriverTest {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_board = std::make_unique<ScriptedBoard>();
-        m_bench = std::make_unique<Ar0134Bench>();
-    }
-    void cleanup()
-    {
-        m_errors.reset();
-        m_ready.reset();
-        m_camera.reset();
-        m_bench.reset();
-        m_board.reset();
-    }
-
     void failedTrigger_isError7()
     {
         open();
@@ -111,16 +96,30 @@ private slots:
         const auto worker = triggerOnAnotherThread();
         QTRY_COMPARE(m_board->count(Kind::Trigger), 1);
         bool eventsRun = false;
-        QTimer timer;
-        connect(&timer, &QTimer::timeout, this, [&eventsRun] { eventsRun = true; });
-        timer.start(50);
-        m_camera->closeCamera();
-        QVERIFY(eventsRun);
+        QTimer::singleShot(50, this, [&eventsRun] { eventsRun = true; });
+        QEventLoop loop;
+        QTimer::singleShot(0, &loop, [this, &loop] {
+            m_camera->closeCamera();
+            loop.quit();
+        });
+        loop.exec();
+        QVERIFY(eventsRun); // the window lives on meanwhile
         QVERIFY(worker->wait(5000));
-        QVERIFY(errors().isEmpty());
-        const auto requests = m_board->requests();
-        QVERIFY(requests.back().kind == Kind::Close);
-        QCOMPARE(m_board->count(Kind::Close), 1);
+        verifyClosedBehindTheFrame();
+    }
+
+    void closeBehindTheEndOfTheEventLoop_runsNoEvents()
+    {
+        open();
+        m_board->setDelay(std::chrono::milliseconds(300));
+        const auto worker = triggerOnAnotherThread();
+        QTRY_COMPARE(m_board->count(Kind::Trigger), 1);
+        bool eventsRun = false;
+        QTimer::singleShot(0, this, [&eventsRun] { eventsRun = true; });
+        m_camera->closeCamera();
+        QVERIFY(!eventsRun); // they would find a window that is half gone
+        QVERIFY(worker->wait(5000));
+        verifyClosedBehindTheFrame();
     }
 
     void triggerQueuedBeforeTheClose_doesNotReachTheLibrary()
@@ -144,6 +143,24 @@ private slots:
         QVERIFY(timer.elapsed() < 10000);
     }
 
+    void waiter_isNotWokenByATriggerThatFailed()
+    {
+        open();
+        m_board->script({ { Shot::Refused, 0xFF26, {} } });
+        std::atomic<bool> givenUp { false };
+        const pid_t waiter = threadNumber();
+        const std::unique_ptr<QThread> worker(QThread::create([&] {
+            waitUntilAsleep(waiter, givenUp);
+            m_camera->slot_executeSoftwareTrigger();
+        }));
+        worker->start();
+        const bool woken = m_camera->waitForFrameReady();
+        givenUp = true;
+        QVERIFY(worker->wait(5000));
+        QVERIFY(!woken);
+        QTRY_COMPARE(errors(), QVector<int> { 7 });
+    }
+
     void waiter_isWokenByAFrameThatFailed()
     {
         open();
@@ -155,12 +172,13 @@ private slots:
     }
 
 private:
-    void open()
+    void verifyClosedBehindTheFrame()
     {
-        m_camera = std::make_unique<AR0134>(m_bench->file());
-        QCOMPARE(m_camera->state(), int(AR0134::STATE_OPEN));
-        m_errors = std::make_unique<QSignalSpy>(m_camera.get(), &AR0134::signal_cameraError);
-        m_ready = std::make_unique<QSignalSpy>(m_camera.get(), &AR0134::sig_imgReady);
+        QVERIFY(errors().isEmpty());
+        QCoreApplication::processEvents();
+        QCOMPARE(m_ready->count(), 1);
+        QVERIFY(m_board->requests().back().kind == Kind::Close);
+        QCOMPARE(m_board->count(Kind::Close), 1);
     }
 
     std::unique_ptr<QThread> triggerOnAnotherThread()
@@ -169,23 +187,6 @@ private:
         worker->start();
         return worker;
     }
-
-    static void expect(const char* line) { QTest::ignoreMessage(QtCriticalMsg, line); }
-
-    QVector<int> errors() const
-    {
-        QVector<int> numbers;
-        for (const QList<QVariant>& arguments : *m_errors) {
-            numbers.append(static_cast<int>(arguments.first().value<AR0134::cameraError>()));
-        }
-        return numbers;
-    }
-
-    std::unique_ptr<ScriptedBoard> m_board;
-    std::unique_ptr<Ar0134Bench> m_bench;
-    std::unique_ptr<AR0134> m_camera;
-    std::unique_ptr<QSignalSpy> m_errors;
-    std::unique_ptr<QSignalSpy> m_ready;
 };
 
 QTEST_GUILESS_MAIN(tst_ar0134_trigger)

@@ -1,4 +1,4 @@
-#include "PseudoPort.h"
+#include "tests/link/PseudoPort.h"
 
 #include <array>
 #include <cstdlib>

@@ -23,7 +23,7 @@ private:
     QList<QSerialPortInfo> m_ports;
 };
 
-// As the window starts a search.
+/// As the window starts a search.
 void tst_Controller_search::start(Controller& controller, const QList<QSerialPortInfo>& ports)
 {
     controller.m_portList = ports;

@@ -112,10 +112,10 @@ void ScriptedBoard::setRegister(std::uint32_t address, std::uint16_t value)
     m_registers[address] = value;
 }
 
-void ScriptedBoard::unplug()
+void ScriptedBoard::failAll(wire::Error error)
 {
     const std::lock_guard lock(m_mutex);
-    m_unplugged = true;
+    m_failure = error;
 }
 
 std::uint16_t ScriptedBoard::reg(std::uint32_t address) const

@@ -63,8 +63,10 @@ public:
     void failReads(std::uint32_t address, std::uint32_t code);
     void failWrites(std::uint32_t address, std::uint32_t code);
     void setRegister(std::uint32_t address, std::uint16_t value);
-    /// Pulls the plug: every later request fails.
-    void unplug();
+    /// Every later request fails with this error of the wire, without a code of the library.
+    void failAll(qr9::wire::Error error);
+    /// Pulls the plug.
+    void unplug() { failAll(qr9::wire::Error::Removed); }
 
     std::uint16_t reg(std::uint32_t address) const;
     /// All requests so far but Devices.
@@ -105,7 +107,7 @@ private:
     int m_refusals = 0;
     std::uint32_t m_refusalCode = 0;
     std::uint32_t m_modeCode = 0;
-    bool m_unplugged = false;
+    qr9::wire::Error m_failure = qr9::wire::Error::None; ///< of every request
     std::function<Bytes(int)> m_picture;
     std::deque<Shot> m_shots;
     std::chrono::milliseconds m_delay { 0 };

@@ -144,8 +144,8 @@ void ScriptedBoard::answer(int socket, wire::Message request, const Bytes& paylo
                 request.name, payload });
         }
         reply.code = 0;
-        if (m_unplugged) {
-            fail(reply, wire::Error::Removed, 0);
+        if (m_failure != wire::Error::None) {
+            fail(reply, m_failure, 0);
         } else if (request.kind == wire::Kind::Devices) {
             const bool asked = std::string(request.name) == wire::kClassArduCam;
             reply.code = asked ? m_boards : 0;

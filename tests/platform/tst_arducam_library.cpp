@@ -1,54 +1,19 @@
-#include "tests/platform/ScriptedBoard.h"
-
-#include <ArduCamLib.h>
+#include "tests/platform/ArduCamTest.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
 
 #include <array>
-#include <memory>
 
 using qr9::wire::Kind;
 using Bytes = ScriptedBoard::Bytes;
 using Shot = ScriptedBoard::Shot;
 
-namespace {
-
-/// A small picture keeps the tests short; the library takes any size.
-constexpr Uint32 kWidth = 8;
-constexpr Uint32 kHeight = 4;
-constexpr std::size_t kPixels = std::size_t(kWidth) * kHeight;
-
-ArduCamCfg configuration()
-{
-    ArduCamCfg config {};
-    config.u32Width = kWidth;
-    config.u32Height = kHeight;
-    config.u8PixelBytes = 1;
-    config.u8PixelBits = 8;
-    config.emImageFmtMode = FORMAT_MODE_MON;
-    return config;
-}
-
-} // namespace
-
-class tst_arducam_library : public QObject {
+// The calls of the library on a board that works, is late, loses a picture, or goes.
+class tst_arducam_library : public ArduCamTest {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_board = std::make_unique<ScriptedBoard>();
-        m_board->setPicture([](int frame) { return Bytes(kPixels, static_cast<std::uint8_t>(frame)); });
-        m_config = configuration();
-        m_handle = nullptr;
-    }
-    void cleanup()
-    {
-        ArduCam_close(m_handle);
-        m_board.reset();
-    }
-
     void scan_givesNumberAndSerials()
     {
         m_board->setBoards(2);
@@ -123,14 +88,6 @@ private slots:
         QCOMPARE(ArduCam_readSensorReg(m_handle, 0x3012, &value), 0xFF0BU);
         QCOMPARE(value, 77U);
         QCOMPARE(ArduCam_writeSensorReg(m_handle, 0x3012, 1), 0xFF0DU);
-    }
-
-    void oldFirmware_knowsNoMode()
-    {
-        open();
-        QCOMPARE(ArduCam_setMode(m_handle, 1), 0U);
-        m_board->setModeCode(65393);
-        QCOMPARE(ArduCam_setMode(m_handle, 1), 65393U);
     }
 
     void boardCommand_travelsWithItsBytes()
@@ -238,14 +195,6 @@ private slots:
         QCOMPARE(picture()->stImagePara.u32Size, 5U);
     }
 
-    void refusedTrigger_givesTheCode()
-    {
-        open();
-        m_board->script({ { Shot::Refused, 0xFF26, {} } });
-        QCOMPARE(ArduCam_softTrigger(m_handle), 0xFF26U);
-        QCOMPARE(ArduCam_isFrameReady(m_handle), 0U);
-    }
-
     void unfetchedPicture_makesRoomForTheNext()
     {
         open();
@@ -287,21 +236,6 @@ private slots:
         ArduCamOutData* data = nullptr;
         QCOMPARE(ArduCam_getSingleFrame(m_handle, data), 0xFF20U);
     }
-
-private:
-    void open() { QCOMPARE(ArduCam_autoopen(m_handle, &m_config), 0U); }
-
-    ArduCamOutData* picture()
-    {
-        ArduCamOutData* data = nullptr;
-        ArduCam_softTrigger(m_handle);
-        ArduCam_isFrameReady(m_handle);
-        return ArduCam_getSingleFrame(m_handle, data) == 0 ? data : nullptr;
-    }
-
-    std::unique_ptr<ScriptedBoard> m_board;
-    ArduCamCfg m_config {};
-    ArduCamHandle m_handle = nullptr;
 };
 
 QTEST_APPLESS_MAIN(tst_arducam_library)

@@ -10,14 +10,14 @@
 
 #include <optional>
 
-// A VirtualInstrument process in a folder of its own and a client of its control socket. Everything blocks,
-// 10 s at most; what fails is a failed check of the running test.
+/// A VirtualInstrument process in a folder of its own and a client of its control socket. Everything blocks,
+/// 10 s at most; what fails is a failed check of the running test.
 class RunningInstrument {
 public:
     explicit RunningInstrument(const QStringList& options = { "--seed", "2", "--quick" });
     ~RunningInstrument();
 
-    // Path of the program.
+    /// Path of the program.
     static QString program();
 
     bool isReady() const { return !m_ready.isEmpty(); }
@@ -26,7 +26,7 @@ public:
     QString file(const QString& name) const { return m_folder.filePath(name); }
     QProcess& process() { return m_process; }
 
-    // One request of the control socket and its answer; empty when there is none.
+    /// One request of the control socket and its answer; empty when there is none.
     QJsonObject ask(const QJsonObject& request);
     QJsonObject ask(const QString& command) { return ask(QJsonObject { { "cmd", command } }); }
     QJsonValue state(const QString& key) { return ask("state").value(key); }
@@ -36,9 +36,9 @@ public:
     void holdClock();
     void advance(double ms);
 
-    // All that went over the board's wire, each line as "> text" or "< text".
+    /// All that went over the board's wire, each line as "> text" or "< text".
     QStringList transcript();
-    // Waits until so many lines of the program have reached the board.
+    /// Waits until so many lines of the program have reached the board.
     bool hasReached(int lines);
 
 private:

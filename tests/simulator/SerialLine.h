@@ -4,7 +4,7 @@
 
 #include <unistd.h>
 
-// The program's end of a serial port.
+/// The program's end of a serial port.
 class SerialLine {
 public:
     explicit SerialLine(const QString& port)
@@ -17,9 +17,9 @@ public:
 
     bool isOpen() const { return m_fd >= 0; }
     bool send(const QByteArray& bytes) { return writeAll(m_fd, bytes); }
-    // Up to a "\r\n" at the end.
+    /// Up to a "\r\n" at the end.
     QByteArray receive() { return readUntil(m_fd, "\r\n"); }
-    // One reply's bytes where the length is known: leaves what follows.
+    /// One reply's bytes where the length is known: leaves what follows.
     QByteArray receive(int count) { return readExactly(m_fd, count); }
     QByteArray receiveOnce(int ms = kPatienceMs) { return readOnce(m_fd, ms); }
     QByteArray ask(const QByteArray& line) { return send(line + '\n') ? receive() : QByteArray(); }

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-// A raw client of the camera socket: sends records and takes them apart. Everything blocks, 10 s at most.
+/// A raw client of the camera socket: sends records and takes them apart. Everything blocks, 10 s at most.
 class WireClient {
 public:
     struct Packet {
@@ -21,30 +21,30 @@ public:
     WireClient(const WireClient&) = delete;
     WireClient& operator=(const WireClient&) = delete;
 
-    // The next packet, whatever it is; nothing when the server has closed the connection.
+    /// The next packet, whatever it is; nothing when the server has closed the connection.
     std::optional<Packet> receive();
-    // Nothing has arrived by now.
+    /// Nothing has arrived by now.
     bool isQuiet();
 
-    // Sends a request and returns its answer; frames that come before it are kept for nextEvent(). A test
-    // that goes on with an answer of another kind or ticket would prove nothing, so that such an answer has
-    // code -1000.
+    /// Sends a request and returns its answer; frames that come before it are kept for nextEvent(). A test
+    /// that goes on with an answer of another kind or ticket would prove nothing, so that such an answer has
+    /// code -1000.
     Packet request(qr9::wire::Kind kind, const char* name = "", double value = 0.0, int code = 0,
         const QByteArray& payload = {});
     int code(qr9::wire::Kind kind, const char* name = "", double value = 0.0, int code = 0)
     {
         return request(kind, name, value, code).head.code;
     }
-    // The next frame or removal.
+    /// The next frame or removal.
     std::optional<Packet> nextEvent();
 
     bool sendBytes(const QByteArray& bytes);
     void close();
 
-    // Opens the camera and lets it wait for software triggers.
+    /// Opens the camera and lets it wait for software triggers.
     bool openBasler(double exposureUs = 1000.0);
     std::vector<qr9::wire::Feature> open(const char* deviceClass);
-    // Triggers and takes the picture.
+    /// Triggers and takes the picture.
     QByteArray picture();
 
 private:

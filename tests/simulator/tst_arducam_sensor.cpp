@@ -1,12 +1,10 @@
-#include "tests/simulator/RunningInstrument.h"
+#include "tests/simulator/CameraTest.h"
 #include "tests/simulator/SerialLine.h"
-#include "tests/simulator/WireClient.h"
 #include "tests/simulator/pictures.h"
 
 #include <QTest>
 
 #include <cmath>
-#include <memory>
 
 using namespace qr9;
 using wire::Error;
@@ -20,30 +18,21 @@ constexpr int kRows = 964;
 } // namespace
 
 // The AR0134 sensor on its board: registers of 16 bits that act on the picture.
-class tst_ArduCamSensor : public QObject {
+class tst_ArduCamSensor : public CameraTest {
     Q_OBJECT
 
 private:
-    std::unique_ptr<RunningInstrument> m_instrument;
-    std::unique_ptr<WireClient> m_client;
-
     int write(int address, int value) { return m_client->code(Kind::WriteRegister, "", value, address); }
     int read(int address)
     {
         return static_cast<int>(m_client->request(Kind::ReadRegister, "", 0.0, address).head.value);
     }
-    double settings(const QString& key)
-    {
-        return m_instrument->state("camera").toObject().value(key).toDouble(-1000.0);
-    }
+    double settings(const QString& key) { return cameraState(key).toDouble(-1000.0); }
 
-private slots:
-    void init()
+protected slots:
+    void init() override
     {
-        m_instrument = std::make_unique<RunningInstrument>(
-            QStringList { "--seed", "3", "--quick", "--camera", "arducam" });
-        QVERIFY(m_instrument->isReady());
-        m_client = std::make_unique<WireClient>(m_instrument->file("camera.sock"));
+        start({ "--seed", "3", "--quick", "--camera", "arducam" });
         QCOMPARE(m_client->open(wire::kClassArduCam).size(), std::size_t(1));
         SerialLine port(m_instrument->boardPort());
         port.ask("$A#LED BRT1 7 6");
@@ -54,21 +43,17 @@ private slots:
         QCOMPARE(write(0x301E, 0), 0);
         QCOMPARE(write(0x3012, 1426), 0); // 35 ms
     }
-    void cleanup()
-    {
-        m_client.reset();
-        m_instrument.reset();
-    }
 
+private slots:
     void board_isFoundWithItsSerialAndIsUsb3()
     {
-        WireClient other(m_instrument->file("camera.sock"));
-        const auto reply = other.request(Kind::Devices, wire::kClassArduCam);
+        const auto other = newClient();
+        const auto reply = other->request(Kind::Devices, wire::kClassArduCam);
         QCOMPARE(reply.head.code, 1);
         const auto* device = reinterpret_cast<const wire::Device*>(reply.payload.constData());
         QCOMPARE(QString(device->model), QString("AR0134"));
         QCOMPARE(QString(device->serial).size(), 12);
-        QCOMPARE(other.code(Kind::Devices, wire::kClassPylon), 0);
+        QCOMPARE(other->code(Kind::Devices, wire::kClassPylon), 0);
         QCOMPARE(m_client->request(Kind::GetFeature, "UsbType").head.value, 3.0);
     }
 

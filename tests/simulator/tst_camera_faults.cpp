@@ -1,55 +1,18 @@
-#include "tests/simulator/RunningInstrument.h"
-#include "tests/simulator/WireClient.h"
+#include "tests/simulator/CameraTest.h"
 #include "tests/simulator/descriptors.h"
 
 #include <QJsonArray>
 #include <QTest>
 
-#include <memory>
-
 using namespace qr9;
 using wire::Error;
 using wire::Kind;
 
-namespace {
-
-int errorCode(Error error)
-{
-    return static_cast<int>(error);
-}
-
-} // namespace
-
 // What can be made to go wrong between the camera and the SDK.
-class tst_CameraFaults : public QObject {
+class tst_CameraFaults : public CameraTest {
     Q_OBJECT
 
-private:
-    static constexpr int kPixels = 1280 * 960;
-
-    std::unique_ptr<RunningInstrument> m_instrument;
-    std::unique_ptr<WireClient> m_client;
-
-    void start(const QStringList& options)
-    {
-        m_client.reset();
-        m_instrument = std::make_unique<RunningInstrument>(options);
-        QVERIFY(m_instrument->isReady());
-        m_client = newClient();
-    }
-    std::unique_ptr<WireClient> newClient()
-    {
-        return std::make_unique<WireClient>(m_instrument->file("camera.sock"));
-    }
-
 private slots:
-    void init() { start({ "--seed", "2", "--quick" }); }
-    void cleanup()
-    {
-        m_client.reset();
-        m_instrument.reset();
-    }
-
     void grabFails_sendsAFailedFrameWithItsText()
     {
         QVERIFY(m_client->openBasler());
@@ -91,8 +54,7 @@ private slots:
         QVERIFY(m_instrument->fault("loseFrame"));
         QCOMPARE(m_client->code(Kind::Trigger), 0);
         m_instrument->advance(2);
-        QTRY_VERIFY_WITH_TIMEOUT(
-            !m_instrument->state("camera").toObject().value("exposing").toBool(), kPatienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!isExposing(), kPatienceMs);
         QVERIFY(m_client->isQuiet());
         QCOMPARE(m_client->code(Kind::Trigger), 0);
         m_instrument->advance(2);

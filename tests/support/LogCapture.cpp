@@ -14,7 +14,7 @@ QtMessageHandler thePrevious = nullptr;
 
 } // namespace
 
-// Called with the mutex held.
+/// Called with the mutex held.
 void collectLogLine(const QString& text)
 {
     for (LogCapture* capture : qAsConst(theCaptures))

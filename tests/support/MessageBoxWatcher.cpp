@@ -10,7 +10,7 @@
 
 namespace {
 
-// How often a dialog that is covered by another one is tried again.
+/// How often a dialog that is covered by another one is tried again.
 constexpr int RETRY_MS = 5;
 
 ShownBox describe(const QDialog& dialog)

@@ -17,7 +17,7 @@
 
 namespace {
 
-// Why a user could not click there; empty when nothing is in the way.
+/// Why a user could not click there; empty when nothing is in the way.
 QString obstacle(QWidget& window, QWidget& widget, QPoint position)
 {
     if (!widget.isVisible())

@@ -15,7 +15,7 @@
 
 namespace {
 
-// A widget that writes down which mouse events it got.
+/// A widget that writes down which mouse events it got.
 class Recorder : public QWidget {
 public:
     using QWidget::QWidget;

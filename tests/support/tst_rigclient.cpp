@@ -10,7 +10,7 @@
 
 namespace {
 
-// Answers one client from a thread of its own, since the client blocks while it waits.
+/// Answers one client from a thread of its own, since the client blocks while it waits.
 class FakeRig : public QThread {
 public:
     explicit FakeRig(QString path)
