@@ -15,6 +15,8 @@ PASSED_ON = [
     "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "QT_LOGGING_RULES",
     "QTEST_FUNCTION_TIMEOUT", "QR9_PATIENCE",
 ]
+# A build folder whose programs count their lines: they leave the counts at the place where they were compiled.
+COUNTS = "QR9_COUNTS"
 SOURCE = "/run/source"  # the source tree, read-only, for test data and suppression lists
 
 
@@ -59,6 +61,8 @@ def command(rig, options, screen, ports, program):
         words += ["--dev-bind", port, f"/dev/ttyUSB{index}"]
     words += ["--bind", rig, "/run/rig", "--ro-bind", options.build, "/run/prog"]
     words += ["--ro-bind", REPOSITORY, SOURCE]
+    if counts := os.environ.get(COUNTS):
+        words += ["--bind", counts, counts]
     if screen:
         words += ["--unshare-net", "--ro-bind", screen.socket, screen.socket]
     else:
