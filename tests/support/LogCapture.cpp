@@ -59,6 +59,12 @@ QStringList LogCapture::lines(int from) const
     return m_lines.mid(from);
 }
 
+void LogCapture::clear()
+{
+    const QMutexLocker lock(&theMutex);
+    m_lines.clear();
+}
+
 int LogCapture::mark() const
 {
     const QMutexLocker lock(&theMutex);

@@ -15,6 +15,9 @@ public:
     /// All lines so far, or those from a mark on.
     QStringList lines(int from = 0) const;
 
+    /// Forgets all lines so far, and with them every mark: for runs that last long.
+    void clear();
+
     /// Number of lines so far: a mark for the functions below.
     int mark() const;
 

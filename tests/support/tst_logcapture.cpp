@@ -26,6 +26,16 @@ private slots:
         QCOMPARE(log.indexOf("three"), -1);
     }
 
+    void clearedLog_holdsOnlyWhatCameAfterwards()
+    {
+        LogCapture log;
+        qDebug("before");
+        log.clear();
+        QCOMPARE(log.mark(), 0);
+        qDebug("after");
+        QCOMPARE(log.lines(), QStringList { "after" });
+    }
+
     void lineOfALaterMoment_isWaitedFor()
     {
         const LogCapture log;
