@@ -11,14 +11,24 @@
 #include <QPainter>
 #include <QWheelEvent>
 
+#include <cmath>
+
 namespace {
 
-// The overview is the frame divided by this, 100 pixels wide for the camera's frame.
+/// The overview is the frame divided by this, 100 pixels wide for the camera's frame.
 constexpr double OVERVIEW_DIVISOR = 12.8;
 
-// Green square around the search position, from 20 pixels before to 19 behind it.
+/// Green square around the search position, from 20 pixels before to 19 behind it.
 constexpr int SQUARE_BEFORE = 20;
 constexpr int SQUARE_SPAN = 39;
+
+/// Whole pixel of an event, halves away from zero on either side of it (QPointF::toPoint() rounds those below
+/// zero up).
+QPoint wholePixel(const QMouseEvent* event)
+{
+    const QPointF place = event->localPos();
+    return { static_cast<int>(std::lround(place.x())), static_cast<int>(std::lround(place.y())) };
+}
 
 } // namespace
 
@@ -145,8 +155,9 @@ void CAPTURE_ImageWidget::paintEvent(QPaintEvent*)
 
 void CAPTURE_ImageWidget::mousePressEvent(QMouseEvent* event)
 {
-    m_press_x = event->pos().x();
-    m_press_y = event->pos().y();
+    const QPoint position = wholePixel(event);
+    m_press_x = position.x();
+    m_press_y = position.y();
     // The first move of a drag counts from the press.
     m_last_x = m_press_x;
     m_last_y = m_press_y;
@@ -167,7 +178,7 @@ void CAPTURE_ImageWidget::mouseMoveEvent(QMouseEvent* event)
     if (!m_mouse_down)
         return;
 
-    const QPoint position = event->pos();
+    const QPoint position = wholePixel(event);
     const int dx = position.x() - m_last_x;
     const int dy = position.y() - m_last_y;
     m_last_x = position.x();
@@ -205,7 +216,7 @@ void CAPTURE_ImageWidget::limitView()
     m_view_y = zoom::limitedOffset(m_view_y, m_image_height, height(), m_scale);
 }
 
-// The search position is a frame pixel only at zoom 1: like the green square it takes no notice of the zoom.
+/// The search position is a frame pixel only at zoom 1: like the green square it takes no notice of the zoom.
 void CAPTURE_ImageWidget::moveSearchPosition(int x, int y)
 {
     m_cursor_x = x + m_view_x;
@@ -219,7 +230,7 @@ std::size_t CAPTURE_ImageWidget::frameBytes() const
         * static_cast<std::size_t>(m_image_bits) / 8;
 }
 
-// The frame as one grey plane: a header on the stored frame, or the green plane of a coloured one.
+/// The frame as one grey plane: a header on the stored frame, or the green plane of a coloured one.
 cv::Mat CAPTURE_ImageWidget::greySource()
 {
     if (m_image_bits == 8)
@@ -233,7 +244,7 @@ cv::Mat CAPTURE_ImageWidget::greySource()
     return source;
 }
 
-// Shows the frame in grey with a cross and a label at each point that was ever found.
+/// Shows the frame in grey with a cross and a label at each point that was ever found.
 void CAPTURE_ImageWidget::showPoints(const cv::Mat& source)
 {
     cv::Mat picture;

@@ -11,51 +11,51 @@
 #include <cstddef>
 #include <vector>
 
-// One captured still frame, in the place of the live view: zoomed with the wheel, panned with the hand. In
-// targeting mode a click sets a search position; the marks found near two such positions give the optical
-// magnification and the counting volume of the instrument. GUI thread only; created by the form, owned by the
-// main window.
+/// One captured still frame, in the place of the live view: zoomed with the wheel, panned with the hand. In
+/// targeting mode a click sets a search position; the marks found near two such positions give the optical
+/// magnification and the counting volume of the instrument. GUI thread only; created by the form, owned by
+/// the main window.
 class CAPTURE_ImageWidget : public QWidget {
     Q_OBJECT
 
 public:
     explicit CAPTURE_ImageWidget(QWidget* parent = nullptr);
 
-    // Euclidean distance in pixels.
+    /// Euclidean distance in pixels.
     static float diameter(cv::Point a, cv::Point b);
 
-    // Rounds `value` to a whole multiple of 1 / `scale`, halves away from zero. The product is single
-    // precision, the half is added in double precision.
+    /// Rounds `value` to a whole multiple of 1 / `scale`, halves away from zero. The product is single
+    /// precision, the half is added in double precision.
     static float round2(float value, float scale);
 
 public slots:
-    // Shows a copy of a frame of width by height pixels without padding: 24 bits are RGB, anything else one
-    // grey byte a pixel. `pixels` stays the caller's. A frame of the same size resets the zoom, another size
-    // keeps it. Without pixels (null, an empty size, less than 8 bits) the widget stays as it was and the log
-    // tells.
+    /// Shows a copy of a frame of width by height pixels without padding: 24 bits are RGB, anything else one
+    /// grey byte a pixel. `pixels` stays the caller's. A frame of the same size resets the zoom, another size
+    /// keeps it. Without pixels (null, an empty size, less than 8 bits) the widget stays as it was and the
+    /// log tells.
     void setImageData(unsigned char* pixels, int width, int height, int bits);
 
-    // Size of the frame in pixels; setImageData() calls it when a frame of another size arrives.
+    /// Size of the frame in pixels; setImageData() calls it when a frame of another size arrives.
     void setImageSize(int width, int height);
 
-    // Zoom factor, 1, 2 or 4. Below 1.0 nothing but the limits of the view is applied.
+    /// Zoom factor, 1, 2 or 4. Below 1.0 nothing but the limits of the view is applied.
     void setScale(double scale);
 
-    // With true a click sets the search position, and the last one is forgotten; with false a drag pans.
+    /// With true a click sets the search position, and the last one is forgotten; with false a drag pans.
     void setTargetingMode(bool on);
 
-    // Finds the one dark mark near the search position and stores its centre as the first (0) or second (1)
-    // point: sig_measure_point() and a picture with the crosses; or sig_measure_error(), and nothing changes.
-    // Blocks for the filters of the whole frame, some tens of ms.
+    /// Finds the one dark mark near the search position and stores its centre as the first (0) or second (1)
+    /// point: sig_measure_point() and a picture with the crosses; or sig_measure_error(), and nothing
+    /// changes. Blocks for the filters of the whole frame, some tens of ms.
     void setPoint(int index);
 
-    // Computes magnification and volume from the two points as they are stored, (0, 0) where none was found,
-    // and emits sig_measure_result(). A distance of zero is not guarded: the results are infinite or
-    // undefined.
+    /// Computes magnification and volume from the two points as they are stored, (0, 0) where none was found,
+    /// and emits sig_measure_result(). A distance of zero is not guarded: the results are infinite or
+    /// undefined.
     void measure2Point();
 
 signals:
-    // A centre was found: 0 or 1, and its frame pixel.
+    /// A centre was found: 0 or 1, and its frame pixel.
     void sig_measure_point(int index, int x, int y);
     void sig_measure_result(measure_info info);
     void sig_measure_error(TargetingError error);

@@ -9,12 +9,12 @@
 
 namespace {
 
-constexpr float PIXEL_PITCH_UM = 3.75F; // of the camera's sensor
-constexpr float NOMINAL_FACTOR = 0.25F; // a fourfold magnification
+constexpr float PIXEL_PITCH_UM = 3.75F; ///< of the camera's sensor
+constexpr float NOMINAL_FACTOR = 0.25F; ///< a fourfold magnification
 constexpr float CHAMBER_DEPTH_MM = 0.1F;
 constexpr float UM_PER_MM = 1000.0F;
 
-// The value as a text of so many decimals shows it.
+/// The value as a text of so many decimals shows it.
 float throughText(float value, int decimals)
 {
     std::array<char, 64> text {};
@@ -37,7 +37,7 @@ float CAPTURE_ImageWidget::round2(float value, float scale)
     return static_cast<float>(std::trunc(shifted) + 0.0) / scale;
 }
 
-// Single precision throughout and in this order: the results are compared with figures of other instruments.
+/// Single precision throughout and in this order: the results are compared with figures of other instruments.
 void CAPTURE_ImageWidget::measure2Point()
 {
     measure_info& info = m_measure_info;

@@ -26,7 +26,7 @@ enum CameraType {
     CAMERA_AR0134 = 2,
 };
 
-// Which of the three colours a table shows; the grey value goes into each of them.
+/// Which of the three colours a table shows; the grey value goes into each of them.
 struct Tint {
     bool red;
     bool green;

@@ -9,46 +9,46 @@
 
 #include <array>
 
-// The live picture of the main window. Its constructor finds out which camera is on the bus and creates the
-// frame source as a child of this widget; from then on each new frame is copied and painted once, tinted by
-// the colour table of the channel, fitted into the widget or as a window that the operator drags over the
-// enlarged frame. GUI thread only; frames arrive by the queued slot_update(). Created by the form, owned by
-// the main window.
+/// The live picture of the main window. Its constructor finds out which camera is on the bus and creates the
+/// frame source as a child of this widget; from then on each new frame is copied and painted once, tinted by
+/// the colour table of the channel, fitted into the widget or as a window that the operator drags over the
+/// enlarged frame. GUI thread only; frames arrive by the queued slot_update(). Created by the form, owned by
+/// the main window.
 class CameraView : public QWidget {
     Q_OBJECT
 
 public:
-    // Searches the cameras, which blocks for as long as the bus takes; without a camera it blocks until the
-    // operator has closed a message box. `pseudoColorTableIndex` as in setPseudoColorTable().
+    /// Searches the cameras, which blocks for as long as the bus takes; without a camera it blocks until the
+    /// operator has closed a message box. `pseudoColorTableIndex` as in setPseudoColorTable().
     explicit CameraView(QWidget* parent = nullptr, int pseudoColorTableIndex = 0);
     ~CameraView() override;
 
-    // The one live view, known before its frame source is created, since the source connects to it.
+    /// The one live view, known before its frame source is created, since the source connects to it.
     static CameraView* Instance();
 
-    // Puts overview, offsets and zoom into their first state.
+    /// Puts overview, offsets and zoom into their first state.
     void initialize();
 
-    // Zoom factor of the picture when it is not fitted: 1, 2 or 4. Below 1.0 nothing but the limits is
-    // applied.
+    /// Zoom factor of the picture when it is not fitted: 1, 2 or 4. Below 1.0 nothing but the limits is
+    /// applied.
     void setScale(double scale);
 
-    // True fits the whole frame into the widget and forgets zoom and offsets; false shows it 1:1 from there
-    // on.
+    /// True fits the whole frame into the widget and forgets zoom and offsets; false shows it 1:1 from there
+    /// on.
     void setFitMode(bool on);
 
-    // The measuring reticle over the picture.
+    /// The measuring reticle over the picture.
     void setCrossLine(bool on);
 
-    // Tints the picture from the next frame on: 0 grey, 1 red, 2 green, 3 blue, 4 yellow, 5 cyan, 6 magenta.
-    // The caller keeps to this range; it is not checked.
+    /// Tints the picture from the next frame on: 0 grey, 1 red, 2 green, 3 blue, 4 yellow, 5 cyan, 6 magenta.
+    /// The caller keeps to this range; it is not checked.
     void setPseudoColorTable(int index);
     int pseudoColorTable() const;
 
-    // Appends 256 opaque entries to each of the seven tables; called once, by the constructor.
+    /// Appends 256 opaque entries to each of the seven tables; called once, by the constructor.
     void initializePseudoColorTable();
 
-    // Which camera the constructor found: 0 none, 1 Basler, 2 AR0134.
+    /// Which camera the constructor found: 0 none, 1 Basler, 2 AR0134.
     int cameraType() const { return m_cameraType; }
 
 public slots:
@@ -65,8 +65,8 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    // False when the camera on the bus cannot be set up (another program has it, or it lacks a feature): it
-    // then counts as none, so that the window comes up and says so.
+    /// False when the camera on the bus cannot be set up (another program has it, or it lacks a feature): it
+    /// then counts as none, so that the window comes up and says so.
     bool createBaslerSource();
     void limitOffsets();
 

@@ -4,13 +4,13 @@
 
 namespace {
 
-// First cell of the overview that the window covers along one axis.
+/// First cell of the overview that the window covers along one axis.
 int overviewBegin(int position, int overview, int image)
 {
     return position * overview / image;
 }
 
-// Last cell of the overview that the window covers along one axis.
+/// Last cell of the overview that the window covers along one axis.
 int overviewEnd(int begin, int overview, int image, int display)
 {
     return begin + overview - ((image - display) * overview / image) - 1;

@@ -13,7 +13,7 @@ constexpr int PITCH = 10;
 constexpr int TICKS_UP_OR_DOWN = 20;
 constexpr int TICKS_LEFT_OR_RIGHT = 26;
 
-// Half the length of the k-th tick from the middle.
+/// Half the length of the k-th tick from the middle.
 constexpr int reach(int k)
 {
     return k % 5 == 0 ? 30 : 15;

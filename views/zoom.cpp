@@ -8,8 +8,8 @@ namespace {
 
 struct ZoomStep {
     int step;
-    int level; // integer part of the scale before the step
-    double scale; // after it
+    int level; ///< integer part of the scale before the step
+    double scale; ///< after it
 };
 
 constexpr ZoomStep ZOOM_STEPS[] = {

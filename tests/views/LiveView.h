@@ -6,7 +6,7 @@
 
 #include <memory>
 
-// A live view of 540 by 405 pixels with a running source that holds one frame of picture::frame().
+/// A live view of 540 by 405 pixels with a running source that holds one frame of picture::frame().
 struct LiveView {
     LiveView()
         : view(make())

@@ -2,56 +2,56 @@
 
 #include "tests/views/TargetFrame.h"
 #include "tests/views/picture.h"
+#include "tests/views/pointer.h"
 #include "views/CAPTURE_ImageWidget.h"
 
-#include <QApplication>
-#include <QMouseEvent>
-#include <QWheelEvent>
+#include <algorithm>
 
-// A still image widget of 540 by 432 pixels and the hand that works on it.
+/// A still image widget of 540 by 432 pixels and the hand that works on it.
 struct StillView {
-    StillView() { widget.resize(540, 432); }
+    static constexpr QSize SIZE { 540, 432 };
+
+    StillView() { widget.resize(SIZE); }
 
     void show(TargetFrame& frame)
     {
         widget.setImageData(frame.data(), frame.width(), frame.height(), frame.bits());
     }
 
-    void mouse(QEvent::Type type, QPointF place)
+    /// Shows picture::frame() of these sides. The bytes of the caller are gone after it.
+    void showFrame(int width = 1280, int height = 960)
     {
-        QMouseEvent event(type, place, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&widget, &event);
+        std::vector<unsigned char> frame = picture::frame(width, height);
+        widget.setImageData(frame.data(), width, height, 8);
     }
 
-    void drag(QPointF from, QPointF to)
+    void mouse(QEvent::Type type, QPointF place) { pointer::mouse(widget, type, place); }
+    void drag(QPointF from, QPointF to) { pointer::drag(widget, from, to); }
+    void turn(QPoint angle) { pointer::turn(widget, angle); }
+
+    /// Sets the search position by a click at this pixel of the widget; targeting mode stays on.
+    void targetAt(QPointF place)
     {
-        mouse(QEvent::MouseButtonPress, from);
-        mouse(QEvent::MouseMove, to);
-        mouse(QEvent::MouseButtonRelease, to);
+        widget.setTargetingMode(true);
+        mouse(QEvent::MouseButtonPress, place);
+        mouse(QEvent::MouseButtonRelease, place);
     }
 
-    void turn(QPoint angle)
-    {
-        QWheelEvent event(QPointF(200, 200), QPointF(200, 200), QPoint(), angle, Qt::NoButton, Qt::NoModifier,
-            Qt::NoScrollPhase, false);
-        QApplication::sendEvent(&widget, &event);
-    }
-
-    // Puts the search position to a frame pixel, wherever it lies: the view is panned so that the click can
-    // hit the widget, and targeting mode stays on.
+    /// Sets the search position to a frame pixel, wherever it lies: the view is panned so that the click can
+    /// hit the widget.
     void target(int x, int y)
     {
         widget.setTargetingMode(false);
         drag({ 0, 0 }, { 5000, 5000 });
-        const QPoint view(std::max(0, std::min(x - 270, 740)), std::max(0, std::min(y - 216, 528)));
+        const QPoint view(std::clamp(x - 270, 0, 740), std::clamp(y - 216, 0, 528));
         drag({ 0, 0 }, -view);
-        widget.setTargetingMode(true);
-        const QPointF click = QPoint(x, y) - view;
-        mouse(QEvent::MouseButtonPress, click);
-        mouse(QEvent::MouseButtonRelease, click);
+        targetAt(QPoint(x, y) - view);
     }
 
     QImage painted() { return picture::of(widget); }
+
+    /// Where the painted widget differs first from this picture; empty when it does not.
+    QString differenceFrom(const QImage& expected) { return picture::difference(painted(), expected); }
 
     CAPTURE_ImageWidget widget;
 };

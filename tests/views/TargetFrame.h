@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-// A frame of the target slide, drawn byte by byte: a bright field with dark square marks of an even side, so
-// that their centres lie between two pixels and are truncated to the left and upper of them.
+/// A frame of the target slide, drawn byte by byte: a bright field with dark square marks of an even side, so
+/// that their centres lie between two pixels and are truncated to the left and upper of them.
 class TargetFrame {
 public:
     static constexpr unsigned char BRIGHT = 170;
@@ -20,7 +20,7 @@ public:
     {
     }
 
-    // A mark from (left, top) on, in one channel or (-1) in all.
+    /// A mark from (left, top) on, in one channel or (-1) in all.
     TargetFrame& mark(int left, int top, int side, unsigned char grey = DARK, int channel = -1)
     {
         for (int y = std::max(top, 0); y < std::min(top + side, m_height); ++y)

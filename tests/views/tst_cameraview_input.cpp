@@ -1,33 +1,11 @@
 #include "tests/views/LiveView.h"
+#include "tests/views/pointer.h"
 
-#include <QApplication>
-#include <QMouseEvent>
 #include <QTest>
-#include <QWheelEvent>
 
 namespace {
 
-void mouse(QWidget& widget, QEvent::Type type, QPointF place)
-{
-    QMouseEvent event(type, place, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(&widget, &event);
-}
-
-void drag(QWidget& widget, QPointF from, QPointF to)
-{
-    mouse(widget, QEvent::MouseButtonPress, from);
-    mouse(widget, QEvent::MouseMove, to);
-    mouse(widget, QEvent::MouseButtonRelease, to);
-}
-
-void turn(QWidget& widget, QPoint angle)
-{
-    QWheelEvent event(QPointF(200, 200), QPointF(200, 200), QPoint(), angle, Qt::NoButton, Qt::NoModifier,
-        Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&widget, &event);
-}
-
-// Counts what is painted.
+/// Counts what is painted.
 class PaintCounter : public QObject {
 public:
     explicit PaintCounter(QWidget& widget) { widget.installEventFilter(this); }
@@ -43,33 +21,13 @@ protected:
 
 } // namespace
 
-// Wheel and drag. What is on show is read from the painted widget: a frame pixel tells its column by its grey
-// value in one frame, and its row in another.
+/// Wheel and drag. What is on show is read from the painted widget: a frame pixel tells its column by its
+/// grey value in one frame, and its row in another.
 class tst_CameraViewInput : public QObject {
     Q_OBJECT
 
 private slots:
-    void wheel_stepsThroughTheZooms_data()
-    {
-        QTest::addColumn<int>("from");
-        QTest::addColumn<QPoint>("angle");
-        QTest::addColumn<int>("to");
-        QTest::newRow("up at 1") << 1 << QPoint(0, 120) << 2;
-        QTest::newRow("up at 2") << 2 << QPoint(0, 120) << 4;
-        QTest::newRow("up at 4") << 4 << QPoint(0, 120) << 4;
-        QTest::newRow("down at 1") << 1 << QPoint(0, -120) << 1;
-        QTest::newRow("down at 2") << 2 << QPoint(0, -120) << 1;
-        QTest::newRow("down at 4") << 4 << QPoint(0, -120) << 2;
-        QTest::newRow("three notches count once") << 1 << QPoint(0, 360) << 2;
-        QTest::newRow("the smallest turn counts") << 1 << QPoint(0, 1) << 2;
-        QTest::newRow("sideways up") << 1 << QPoint(120, 0) << 2;
-        QTest::newRow("sideways down") << 4 << QPoint(-120, 0) << 2;
-        QTest::newRow("no turn at 1") << 1 << QPoint(0, 0) << 1;
-        QTest::newRow("no turn at 2") << 2 << QPoint(0, 0) << 2;
-        QTest::newRow("no turn at 4") << 4 << QPoint(0, 0) << 4;
-        QTest::newRow("up at 3") << 3 << QPoint(0, 120) << 3;
-        QTest::newRow("down at 3") << 3 << QPoint(0, -120) << 3;
-    }
+    void wheel_stepsThroughTheZooms_data() { pointer::addZoomSteps(); }
     void wheel_stepsThroughTheZooms()
     {
         QFETCH(int, from);
@@ -77,7 +35,7 @@ private slots:
         LiveView live;
         live.view->setFitMode(false);
         live.view->setScale(from);
-        turn(*live.view, angle);
+        pointer::turn(*live.view, angle);
         QTEST(zoomOf(live), "to");
     }
 
@@ -85,7 +43,7 @@ private slots:
     {
         LiveView live;
         const QImage before = picture::of(*live.view);
-        turn(*live.view, { 0, 120 });
+        pointer::turn(*live.view, { 0, 120 });
         QCOMPARE(picture::of(*live.view), before);
         live.view->setFitMode(false);
         QCOMPARE(zoomOf(live), 1);
@@ -96,7 +54,7 @@ private slots:
         LiveView live;
         live.view->setFitMode(false);
         for (const int delta : { 120, 120, -120, -120 })
-            turn(*live.view, { 0, delta });
+            pointer::turn(*live.view, { 0, delta });
         QCOMPARE(zoomOf(live), 1);
     }
 
@@ -114,11 +72,11 @@ private slots:
         LiveView live;
         live.view->setFitMode(false);
         live.view->setScale(4.0);
-        drag(*live.view, { 0, 0 }, { -5000, -5000 });
+        pointer::drag(*live.view, { 0, 0 }, { -5000, -5000 });
         QCOMPARE(offsetOf(live), QPoint(1145, 858));
-        turn(*live.view, { 0, -120 });
+        pointer::turn(*live.view, { 0, -120 });
         QCOMPARE(offsetOf(live), QPoint(1010, 757));
-        turn(*live.view, { 0, -120 });
+        pointer::turn(*live.view, { 0, -120 });
         QCOMPARE(offsetOf(live), QPoint(740, 555));
     }
 
@@ -126,9 +84,9 @@ private slots:
     {
         LiveView live;
         live.view->setFitMode(false);
-        drag(*live.view, { 0, 0 }, { -740, -555 });
+        pointer::drag(*live.view, { 0, 0 }, { -740, -555 });
         live.view->resize(640, 480);
-        turn(*live.view, { 0, -120 });
+        pointer::turn(*live.view, { 0, -120 });
         QCOMPARE(zoomOf(live), 1);
         QCOMPARE(offsetOf(live), QPoint(640, 480));
     }
@@ -157,8 +115,8 @@ private slots:
         QFETCH(QPointF, to);
         LiveView live;
         live.view->setFitMode(false);
-        drag(*live.view, { 300, 200 }, { 0, 0 });
-        drag(*live.view, { 200, 200 }, to);
+        pointer::drag(*live.view, { 300, 200 }, { 0, 0 });
+        pointer::drag(*live.view, { 200, 200 }, to);
         QTEST(offsetOf(live), "offset");
     }
 
@@ -166,20 +124,20 @@ private slots:
     {
         LiveView live;
         live.view->setFitMode(false);
-        mouse(*live.view, QEvent::MouseButtonPress, { 300, 300 });
+        pointer::mouse(*live.view, QEvent::MouseButtonPress, { 300, 300 });
         for (const int x : { 290, 280, 250 })
-            mouse(*live.view, QEvent::MouseMove, QPointF(x, 300));
+            pointer::mouse(*live.view, QEvent::MouseMove, QPointF(x, 300));
         QCOMPARE(offsetOf(live), QPoint(50, 0));
     }
 
-    // The reserve that a drag beyond the limit would leave is not kept.
+    /// The reserve that a drag beyond the limit would leave is not kept.
     void dragBeyondTheLimit_turnsBackAtOnce()
     {
         LiveView live;
         live.view->setFitMode(false);
-        mouse(*live.view, QEvent::MouseButtonPress, { 100, 100 });
-        mouse(*live.view, QEvent::MouseMove, { 400, 100 });
-        mouse(*live.view, QEvent::MouseMove, { 390, 100 });
+        pointer::mouse(*live.view, QEvent::MouseButtonPress, { 100, 100 });
+        pointer::mouse(*live.view, QEvent::MouseMove, { 400, 100 });
+        pointer::mouse(*live.view, QEvent::MouseMove, { 390, 100 });
         QCOMPARE(offsetOf(live), QPoint(10, 0));
     }
 
@@ -188,7 +146,7 @@ private slots:
         LiveView live;
         live.view->setFitMode(false);
         live.view->setScale(4.0);
-        drag(*live.view, { 100, 100 }, { 60, 70 });
+        pointer::drag(*live.view, { 100, 100 }, { 60, 70 });
         QCOMPARE(offsetOf(live), QPoint(40, 30));
     }
 
@@ -197,7 +155,7 @@ private slots:
         LiveView live;
         live.view->resize(1400, 1000);
         live.view->setFitMode(false);
-        drag(*live.view, { 300, 300 }, { 0, 0 });
+        pointer::drag(*live.view, { 300, 300 }, { 0, 0 });
         QCOMPARE(offsetOf(live), QPoint(0, 0));
     }
 
@@ -205,7 +163,7 @@ private slots:
     {
         LiveView live;
         const QImage before = picture::of(*live.view);
-        drag(*live.view, { 300, 300 }, { 200, 250 });
+        pointer::drag(*live.view, { 300, 300 }, { 200, 250 });
         QCOMPARE(picture::of(*live.view), before);
         live.view->setFitMode(false);
         QCOMPARE(offsetOf(live), QPoint(100, 50));
@@ -216,7 +174,7 @@ private slots:
         LiveView live;
         live.view->setFitMode(false);
         live.view->setScale(4.0);
-        drag(*live.view, { 300, 300 }, { 200, 250 });
+        pointer::drag(*live.view, { 300, 300 }, { 200, 250 });
         live.view->setFitMode(true);
         live.view->setFitMode(false);
         QCOMPARE(zoomOf(live), 1);
@@ -259,7 +217,7 @@ private slots:
         QTRY_VERIFY(seen.paints > 0);
 
         PaintCounter painted(*live.view);
-        drag(*live.view, { 300, 300 }, { 200, 250 });
+        pointer::drag(*live.view, { 300, 300 }, { 200, 250 });
         live.view->setPseudoColorTable(1);
         const int before = seen.paints;
         witness.update();
@@ -268,19 +226,19 @@ private slots:
 
         live.view->slot_update();
         QTRY_COMPARE(painted.paints, 1);
-        turn(*live.view, { 0, 120 });
+        pointer::turn(*live.view, { 0, 120 });
         QTRY_COMPARE(painted.paints, 2);
         live.view->setCrossLine(false);
         QTRY_COMPARE(painted.paints, 3);
         live.view->setFitMode(true);
         QTRY_COMPARE(painted.paints, 4);
-        turn(*live.view, { 0, 120 });
+        pointer::turn(*live.view, { 0, 120 });
         QTRY_COMPARE(painted.paints, 5);
     }
 
 private:
-    // Grey values of the painted middle row (clear of the overview) when a frame pixel has the value
-    // `code(column, row)`.
+    /// Grey values of the painted middle row (clear of the overview) when a frame pixel has the value
+    /// `code(column, row)`.
     template <typename Code> static QImage paintedWith(LiveView& live, Code code)
     {
         std::vector<unsigned char> coded;
@@ -294,7 +252,7 @@ private:
         return image;
     }
 
-    // The frame pixel that stands at the widget's pixel (200, 200).
+    /// The frame pixel that stands at the widget's pixel (200, 200).
     static QPoint pixelOnShow(LiveView& live)
     {
         const auto at = [&live](auto code) { return qGray(paintedWith(live, code).pixel(200, 200)); };

@@ -12,7 +12,7 @@ const QString CONSTRUCTOR = "CameraView::CameraView(QWidget*, int)";
 
 } // namespace
 
-// How the live view comes up, what it logs, and how it goes.
+/// How the live view comes up, what it logs, and how it goes.
 class tst_CameraViewLife : public QObject {
     Q_OBJECT
 
@@ -111,8 +111,7 @@ private slots:
         view.setCrossLine(true);
         view.setFitMode(false);
         view.setPseudoColorTable(1);
-        QImage untouched(540, 405, QImage::Format_RGB32);
-        untouched.fill(picture::UNPAINTED);
+        const QImage untouched = picture::plain({ 540, 405 }, picture::UNPAINTED);
         QCOMPARE(picture::difference(picture::of(view), untouched), QString());
         view.hide();
         QVERIFY(log.lines().contains("showEvent false"));

@@ -1,4 +1,5 @@
 #include "tests/views/LiveView.h"
+#include "tests/views/pointer.h"
 
 #include <QTest>
 
@@ -8,17 +9,8 @@ namespace {
 
 constexpr QRgb MAGENTA = 0xffff00ff;
 constexpr QRgb RED = 0xffff0000;
-constexpr QRgb YELLOW = 0xffffff00;
-
-// A part of the frame, enlarged, as the widget shows it.
-QImage enlarged(int scale, int offsetX, int offsetY)
-{
-    QImage image(540, 405, QImage::Format_RGB32);
-    for (int y = 0; y < 405; ++y)
-        for (int x = 0; x < 540; ++x)
-            image.setPixel(x, y, picture::grey(picture::greyAt(offsetX + x / scale, offsetY + y / scale)));
-    return image;
-}
+constexpr QSize VIEW(540, 405);
+constexpr QPoint OVERVIEW(100, 67); ///< last column and row of its outline
 
 void addReticle(QImage& image)
 {
@@ -36,8 +28,8 @@ void addReticle(QImage& image)
     }
 }
 
-// The samples along one axis that may stand at a widget pixel in fit mode: the one below its centre, or one
-// of two where the centre falls on their common edge.
+/// The samples along one axis that may stand at a widget pixel in fit mode: the one below its centre, or one
+/// of two where the centre falls on their common edge.
 QVector<int> samples(int pixel, int widget, int image)
 {
     const double place = (pixel + 0.5) * image / widget;
@@ -49,7 +41,7 @@ QVector<int> samples(int pixel, int widget, int image)
 
 } // namespace
 
-// The whole painted widget, compared with what must stand there.
+/// The whole painted widget, compared with what must stand there.
 class tst_CameraViewPaint : public QObject {
     Q_OBJECT
 
@@ -75,8 +67,7 @@ private slots:
     {
         const LiveView live;
         LiveView::source().frame.assign(FrameDelivery::BYTES, 0);
-        QImage black(540, 405, QImage::Format_RGB32);
-        black.fill(Qt::black);
+        const QImage black = picture::plain(VIEW, picture::grey(0));
         QCOMPARE(picture::difference(picture::of(*live.view), black), QString());
     }
 
@@ -84,31 +75,27 @@ private slots:
     {
         const LiveView live;
         live.view->setFitMode(false);
-        QImage expected = enlarged(1, 0, 0);
-        picture::outline(expected, 0, 0, 100, 67, YELLOW);
-        picture::outline(expected, 0, 0, 43, 29, YELLOW);
+        QImage expected = picture::enlarged(VIEW, 1, { 0, 0 });
+        picture::addOverview(expected, OVERVIEW, { QPoint(0, 0), QPoint(43, 29) });
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
     }
 
-    void zoom2_showsEachPixelTwice()
+    void zoom_showsEachPixelSoManyTimes_data()
     {
-        const LiveView live;
-        live.view->setFitMode(false);
-        live.view->setScale(2.0);
-        QImage expected = enlarged(2, 0, 0);
-        picture::outline(expected, 0, 0, 100, 67, YELLOW);
-        picture::outline(expected, 0, 0, 22, 15, YELLOW);
-        QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
+        QTest::addColumn<int>("scale");
+        QTest::addColumn<QPoint>("last"); // painted column and row of the part on show
+        QTest::newRow("2") << 2 << QPoint(22, 15);
+        QTest::newRow("4") << 4 << QPoint(11, 8);
     }
-
-    void zoom4_showsEachPixelFourTimes()
+    void zoom_showsEachPixelSoManyTimes()
     {
+        QFETCH(int, scale);
+        QFETCH(QPoint, last);
         const LiveView live;
         live.view->setFitMode(false);
-        live.view->setScale(4.0);
-        QImage expected = enlarged(4, 0, 0);
-        picture::outline(expected, 0, 0, 100, 67, YELLOW);
-        picture::outline(expected, 0, 0, 11, 8, YELLOW);
+        live.view->setScale(scale);
+        QImage expected = picture::enlarged(VIEW, scale, { 0, 0 });
+        picture::addOverview(expected, OVERVIEW, { QPoint(0, 0), last });
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
     }
 
@@ -131,15 +118,9 @@ private slots:
         const LiveView live;
         live.view->setFitMode(false);
         live.view->setScale(scale);
-        QTest::mousePress(live.view.get(), Qt::LeftButton, Qt::NoModifier, QPoint(0, 0));
-        QMouseEvent move(
-            QEvent::MouseMove, QPointF(-5000, -5000), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(live.view.get(), &move);
-
-        QImage expected = enlarged(scale, offset.x(), offset.y());
-        picture::outline(expected, 0, 0, 100, 67, YELLOW);
-        picture::outline(
-            expected, overview.left(), overview.top(), overview.right(), overview.bottom(), YELLOW);
+        pointer::drag(*live.view, { 0, 0 }, { -5000, -5000 });
+        QImage expected = picture::enlarged(VIEW, scale, offset);
+        picture::addOverview(expected, OVERVIEW, overview);
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
     }
 
@@ -148,8 +129,7 @@ private slots:
         const LiveView live;
         LiveView::source().frame.assign(FrameDelivery::BYTES, 90);
         live.view->setCrossLine(true);
-        QImage expected(540, 405, QImage::Format_RGB32);
-        expected.fill(picture::grey(90));
+        QImage expected = picture::plain(VIEW, picture::grey(90));
         addReticle(expected);
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
         live.view->setCrossLine(false);
@@ -163,9 +143,8 @@ private slots:
         live.view->setFitMode(false);
         live.view->setScale(4.0);
         live.view->setCrossLine(true);
-        QImage expected = enlarged(4, 0, 0);
-        picture::outline(expected, 0, 0, 100, 67, YELLOW);
-        picture::outline(expected, 0, 0, 11, 8, YELLOW);
+        QImage expected = picture::enlarged(VIEW, 4, { 0, 0 });
+        picture::addOverview(expected, OVERVIEW, { QPoint(0, 0), QPoint(11, 8) });
         addReticle(expected);
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
     }
@@ -176,8 +155,7 @@ private slots:
         live.view->setCrossLine(true);
         live.view->setFitMode(false);
         LiveView::source().running = false;
-        QImage untouched(540, 405, QImage::Format_RGB32);
-        untouched.fill(picture::UNPAINTED);
+        const QImage untouched = picture::plain(VIEW, picture::UNPAINTED);
         QCOMPARE(picture::difference(picture::of(*live.view), untouched), QString());
         QCOMPARE(LiveView::source().pushes, 0);
     }
@@ -194,8 +172,7 @@ private slots:
     {
         const LiveView live;
         LiveView::source().frame.clear();
-        QImage black(540, 405, QImage::Format_RGB32);
-        black.fill(Qt::black);
+        const QImage black = picture::plain(VIEW, picture::grey(0));
         QCOMPARE(picture::difference(picture::of(*live.view), black), QString());
     }
 

@@ -7,13 +7,7 @@ namespace {
 
 constexpr QRgb GREEN = 0xff00ff00;
 
-void showFrame(StillView& still)
-{
-    std::vector<unsigned char> frame = picture::frame(1280, 960);
-    still.widget.setImageData(frame.data(), 1280, 960, 8);
-}
-
-// Whether the widget shows picture::frame() from this pixel on, clear of the overview.
+/// Whether the widget shows picture::frame() from this pixel on, clear of the overview.
 bool shows(StillView& still, int scale, int offsetX, int offsetY)
 {
     const QImage image = still.painted();
@@ -26,32 +20,19 @@ bool shows(StillView& still, int scale, int offsetX, int offsetY)
 
 } // namespace
 
-// Wheel, drag and search position.
+/// Wheel, drag and search position.
 class tst_CaptureInput : public QObject {
     Q_OBJECT
 
 private slots:
-    void wheel_stepsThroughTheZooms_data()
-    {
-        QTest::addColumn<int>("from");
-        QTest::addColumn<QPoint>("angle");
-        QTest::addColumn<int>("to");
-        QTest::newRow("up at 1") << 1 << QPoint(0, 120) << 2;
-        QTest::newRow("up at 2") << 2 << QPoint(0, 120) << 4;
-        QTest::newRow("up at 4 stays") << 4 << QPoint(0, 120) << 4;
-        QTest::newRow("down at 4") << 4 << QPoint(0, -120) << 2;
-        QTest::newRow("down at 2") << 2 << QPoint(0, -120) << 1;
-        QTest::newRow("down at 1 stays") << 1 << QPoint(0, -120) << 1;
-        QTest::newRow("sideways") << 1 << QPoint(120, 0) << 2;
-        QTest::newRow("no turn") << 2 << QPoint(0, 0) << 2;
-    }
+    void wheel_stepsThroughTheZooms_data() { pointer::addZoomSteps(); }
     void wheel_stepsThroughTheZooms()
     {
         QFETCH(int, from);
         QFETCH(QPoint, angle);
         QFETCH(int, to);
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(from);
         still.turn(angle);
         QVERIFY(shows(still, to, 0, 0));
@@ -60,7 +41,7 @@ private slots:
     void scaleBelow1_isNotTaken()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(2.0);
         still.widget.setScale(0.5);
         QVERIFY(shows(still, 2, 0, 0));
@@ -69,7 +50,7 @@ private slots:
     void drag_followsTheHand()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.mouse(QEvent::MouseButtonPress, { 300, 300 });
         // The first move counts from the press, the next from the one before.
         still.mouse(QEvent::MouseMove, { 200, 250 });
@@ -81,7 +62,7 @@ private slots:
     void drag_countsFromEachPressAnew()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.drag({ 300, 300 }, { 250, 250 });
         still.drag({ 10, 10 }, { 5, 5 });
         QVERIFY(shows(still, 1, 55, 55));
@@ -100,7 +81,7 @@ private slots:
         QFETCH(int, scale);
         QFETCH(QPoint, last);
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(scale);
         still.drag({ 300, 300 }, QPoint(300, 300) - last);
         QVERIFY(shows(still, scale, last.x(), last.y()));
@@ -113,7 +94,7 @@ private slots:
     void zoomingOut_limitsTheView()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(4.0);
         still.drag({ 0, 0 }, { -5000, -5000 });
         still.turn({ 0, -120 });
@@ -125,17 +106,28 @@ private slots:
     void places_areRoundedToWholePixels()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.drag({ 300.5, 300.4 }, { 200.5, 200.4 });
         QVERIFY(shows(still, 1, 100, 100));
         still.drag({ 300.5, 300 }, { 300.4, 300 });
         QVERIFY(shows(still, 1, 101, 100));
     }
 
+    /// Beyond the edge of the widget, too.
+    void halves_areRoundedAwayFromZero()
+    {
+        StillView still;
+        still.showFrame();
+        still.drag({ 0, 0 }, { -0.5, -10.5 });
+        QVERIFY(shows(still, 1, 1, 11));
+        still.drag({ -2.5, 0 }, { -4.4, 0 });
+        QVERIFY(shows(still, 1, 2, 11));
+    }
+
     void moveWithoutPress_isIgnored()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.mouse(QEvent::MouseMove, { 10, 10 });
         QVERIFY(shows(still, 1, 0, 0));
         still.drag({ 300, 300 }, { 250, 250 });
@@ -146,7 +138,7 @@ private slots:
     void dragInTargetingMode_movesTheSearchPositionOnly()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.drag({ 300, 300 }, { 200, 250 });
         still.widget.setTargetingMode(true);
         still.drag({ 100, 250 }, { 300, 300 });

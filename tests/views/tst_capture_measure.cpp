@@ -16,8 +16,8 @@ measure_info resultOf(const QSignalSpy& spy)
 
 } // namespace
 
-// From two points to magnification and volume, bit by bit. The expected values were worked out apart from
-// this program, with each operation rounded to single precision.
+/// From two points to magnification and volume, bit by bit. The expected values were worked out apart from
+/// this program, with each operation rounded to single precision.
 class tst_CaptureMeasure : public QObject {
     Q_OBJECT
 
@@ -173,10 +173,9 @@ private slots:
         TargetFrame frame(640, 480);
         still.widget.resize(640, 480);
         still.show(frame.mark(44, 244, 12).mark(577, 244, 12));
-        still.widget.setTargetingMode(true);
-        still.mouse(QEvent::MouseButtonPress, { 50, 250 });
+        still.targetAt({ 50, 250 });
         still.widget.setPoint(0);
-        still.mouse(QEvent::MouseButtonPress, { 583, 250 });
+        still.targetAt({ 583, 250 });
         still.widget.setPoint(1);
         const QSignalSpy spy(&still.widget, &CAPTURE_ImageWidget::sig_measure_result);
         still.widget.measure2Point();

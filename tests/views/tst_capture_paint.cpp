@@ -4,33 +4,26 @@
 
 namespace {
 
-constexpr QRgb YELLOW = 0xffffff00;
 constexpr QRgb GREEN = 0xff00ff00;
 
-// A part of picture::frame() of these sides, enlarged, as the widget shows it; beyond it nothing is painted.
-QImage enlarged(int scale, int offsetX, int offsetY, int width = 1280, int height = 960)
+/// The last corner of the overview of a frame of 1280 by 960 pixels.
+constexpr QPoint OVERVIEW(100, 75);
+
+/// What the widget shows of picture::frame() of these sides, without the overview.
+QImage enlarged(int scale, QPoint first, QSize sides = { 1280, 960 })
 {
-    QImage image(540, 432, QImage::Format_RGB32);
-    image.fill(picture::UNPAINTED);
-    for (int y = 0; y < 432; ++y)
-        for (int x = 0; x < 540; ++x) {
-            const int column = offsetX + x / scale;
-            const int row = offsetY + y / scale;
-            if (column < width && row < height)
-                image.setPixel(x, y, picture::grey(picture::greyAt(column, row)));
-        }
-    return image;
+    return picture::enlarged(StillView::SIZE, scale, first, sides);
 }
 
-void showFrame(StillView& still, int width = 1280, int height = 960)
+/// The part of the overview that is on show, from its first to its last painted column and row.
+QRect part(int left, int top, int right, int bottom)
 {
-    std::vector<unsigned char> frame = picture::frame(width, height);
-    still.widget.setImageData(frame.data(), width, height, 8);
+    return { QPoint(left, top), QPoint(right, bottom) };
 }
 
 } // namespace
 
-// The whole painted widget, compared with what must stand there.
+/// The whole painted widget, compared with what must stand there.
 class tst_CapturePaint : public QObject {
     Q_OBJECT
 
@@ -38,69 +31,47 @@ private slots:
     void beforeTheFirstFrame_isBlackWithAnEmptyOverview()
     {
         StillView still;
-        QImage expected(540, 432, QImage::Format_RGB32);
-        expected.fill(Qt::black);
-        picture::outline(expected, 0, 0, 100, 80, YELLOW);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
+        QImage expected = picture::plain(StillView::SIZE, picture::grey(0));
+        picture::outline(expected, 0, 0, 100, 80, picture::YELLOW);
+        QCOMPARE(still.differenceFrom(expected), QString());
     }
 
     void firstFrame_isShown1To1AndCopied()
     {
         StillView still;
-        showFrame(still); // the caller's bytes are gone after it
-        QImage expected = enlarged(1, 0, 0);
-        picture::outline(expected, 0, 0, 100, 75, YELLOW);
+        still.showFrame();
+        QImage expected = enlarged(1, { 0, 0 });
         // 740 * 100 / 1280 = 57, 528 * 75 / 960 = 41: the last cells are 42 and 33, drawn one further
-        picture::outline(expected, 0, 0, 43, 34, YELLOW);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
+        picture::addOverview(expected, OVERVIEW, part(0, 0, 43, 34));
+        QCOMPARE(still.differenceFrom(expected), QString());
     }
 
-    void zoom_showsEachPixelSoManyTimes_data()
+    void zoomAndPlace_areShownWithTheirOverview_data()
     {
         QTest::addColumn<int>("scale");
-        QTest::addColumn<QPoint>("overview"); // last painted column and row of the window
-        QTest::newRow("1") << 1 << QPoint(43, 34);
+        QTest::addColumn<QPoint>("first");
+        QTest::addColumn<QRect>("shown");
+        QTest::newRow("1") << 1 << QPoint(0, 0) << part(0, 0, 43, 34);
         // display 270 x 216: 1010 * 100 / 1280 = 78, 744 * 75 / 960 = 58
-        QTest::newRow("2") << 2 << QPoint(22, 17);
+        QTest::newRow("2") << 2 << QPoint(0, 0) << part(0, 0, 22, 17);
         // display 135 x 108: 1145 * 100 / 1280 = 89, 852 * 75 / 960 = 66
-        QTest::newRow("4") << 4 << QPoint(11, 9);
+        QTest::newRow("4") << 4 << QPoint(0, 0) << part(0, 0, 11, 9);
+        QTest::newRow("1, last corner") << 1 << QPoint(740, 528) << part(57, 41, 100, 75);
+        QTest::newRow("2, last corner") << 2 << QPoint(1010, 744) << part(78, 58, 100, 75);
+        QTest::newRow("4, last corner") << 4 << QPoint(1145, 852) << part(89, 66, 100, 75);
     }
-    void zoom_showsEachPixelSoManyTimes()
+    void zoomAndPlace_areShownWithTheirOverview()
     {
         QFETCH(int, scale);
-        QFETCH(QPoint, overview);
+        QFETCH(QPoint, first);
+        QFETCH(QRect, shown);
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(scale);
-        QImage expected = enlarged(scale, 0, 0);
-        picture::outline(expected, 0, 0, 100, 75, YELLOW);
-        picture::outline(expected, 0, 0, overview.x(), overview.y(), YELLOW);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
-    }
-
-    void lastCornerOfTheFrame_isShownAtEachZoom_data()
-    {
-        QTest::addColumn<int>("scale");
-        QTest::addColumn<QPoint>("offset");
-        QTest::addColumn<QRect>("overview"); // left, top and the last painted column and row
-        QTest::newRow("1") << 1 << QPoint(740, 528) << QRect(QPoint(57, 41), QPoint(100, 75));
-        QTest::newRow("2") << 2 << QPoint(1010, 744) << QRect(QPoint(78, 58), QPoint(100, 75));
-        QTest::newRow("4") << 4 << QPoint(1145, 852) << QRect(QPoint(89, 66), QPoint(100, 75));
-    }
-    void lastCornerOfTheFrame_isShownAtEachZoom()
-    {
-        QFETCH(int, scale);
-        QFETCH(QPoint, offset);
-        QFETCH(QRect, overview);
-        StillView still;
-        showFrame(still);
-        still.widget.setScale(scale);
-        still.drag({ 0, 0 }, { -5000, -5000 });
-        QImage expected = enlarged(scale, offset.x(), offset.y());
-        picture::outline(expected, 0, 0, 100, 75, YELLOW);
-        picture::outline(
-            expected, overview.left(), overview.top(), overview.right(), overview.bottom(), YELLOW);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
+        still.drag({ 0, 0 }, -first);
+        QImage expected = enlarged(scale, first);
+        picture::addOverview(expected, OVERVIEW, shown);
+        QCOMPARE(still.differenceFrom(expected), QString());
     }
 
     void colouredFrame_isShownInItsColours()
@@ -113,89 +84,102 @@ private slots:
         QCOMPARE(still.painted().pixel(210, 205), qRgb(170, 170, 170));
     }
 
-    void frameOfOddWidth_isNotSkewed()
+    void anotherSize_isShownWithItsOverview_data()
+    {
+        QTest::addColumn<QSize>("sides");
+        QTest::addColumn<QPoint>("last");
+        QTest::addColumn<QRect>("shown");
+        // 641 / 12.8 = 50.07, 483 / 12.8 = 37.7; 101 * 50 / 641 = 7, 51 * 37 / 483 = 3
+        QTest::newRow("odd sides are not skewed") << QSize(641, 483) << QPoint(50, 37) << part(0, 0, 43, 34);
+        // (320 - 540) * 25 / 320 = -17, (240 - 432) * 18 / 240 = -14
+        QTest::newRow("smaller than the widget leaves the rest")
+            << QSize(320, 240) << QPoint(25, 18) << part(0, 0, 42, 32);
+    }
+    void anotherSize_isShownWithItsOverview()
+    {
+        QFETCH(QSize, sides);
+        QFETCH(QPoint, last);
+        QFETCH(QRect, shown);
+        StillView still;
+        still.showFrame(sides.width(), sides.height());
+        QImage expected = enlarged(1, { 0, 0 }, sides);
+        picture::addOverview(expected, last, shown);
+        QCOMPARE(still.differenceFrom(expected), QString());
+    }
+
+    void colouredFrameOfOddWidth_isNotSkewed()
     {
         StillView still;
-        showFrame(still, 641, 483);
-        QImage expected = enlarged(1, 0, 0, 641, 483);
-        // 641 / 12.8 = 50.07, 483 / 12.8 = 37.7
-        picture::outline(expected, 0, 0, 50, 37, YELLOW);
-        // 101 * 50 / 641 = 7, 51 * 37 / 483 = 3
-        picture::outline(expected, 0, 0, 43, 34, YELLOW);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
-
         TargetFrame coloured(641, 483, 3);
         still.show(coloured.mark(300, 300, 2, 0));
         QCOMPARE(still.painted().pixel(300, 300), qRgb(0, 0, 0));
         QCOMPARE(still.painted().pixel(299, 300), qRgb(170, 170, 170));
     }
 
-    void frameSmallerThanTheWidget_leavesTheRest()
+    /// Of two bytes a pixel the first half of the bytes is shown, a byte a pixel.
+    void otherDepths_areShownAsGreyBytes()
     {
         StillView still;
-        showFrame(still, 320, 240);
-        QImage expected = enlarged(1, 0, 0, 320, 240);
-        picture::outline(expected, 0, 0, 25, 18, YELLOW);
-        // (320 - 540) * 25 / 320 = -17, (240 - 432) * 18 / 240 = -14
-        picture::outline(expected, 0, 0, 42, 32, YELLOW);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
+        std::vector<unsigned char> bytes = picture::frame(1280, 2 * 960);
+        still.widget.setImageData(bytes.data(), 1280, 960, 16);
+        QImage expected = enlarged(1, { 0, 0 });
+        picture::addOverview(expected, OVERVIEW, part(0, 0, 43, 34));
+        QCOMPARE(still.differenceFrom(expected), QString());
     }
 
     void anotherSizeAndBack_isShownWhole()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         const QImage before = still.painted();
-        showFrame(still, 640, 480);
+        still.showFrame(640, 480);
         QVERIFY(still.painted() != before);
-        showFrame(still);
-        QCOMPARE(picture::difference(still.painted(), before), QString());
+        still.showFrame();
+        QCOMPARE(still.differenceFrom(before), QString());
     }
 
     void anotherSize_keepsTheZoomAndGoesToTheTopLeft()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(2.0);
         still.drag({ 300, 300 }, { 100, 100 });
-        showFrame(still, 1920, 1440);
-        QImage expected = enlarged(2, 0, 0, 1920, 1440);
-        picture::outline(expected, 0, 0, 150, 112, YELLOW);
+        still.showFrame(1920, 1440);
+        QImage expected = enlarged(2, { 0, 0 }, { 1920, 1440 });
         // (1920 - 270) * 150 / 1920 = 128, (1440 - 216) * 112 / 1440 = 95
-        picture::outline(expected, 0, 0, 22, 17, YELLOW);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
+        picture::addOverview(expected, { 150, 112 }, part(0, 0, 22, 17));
+        QCOMPARE(still.differenceFrom(expected), QString());
     }
 
     void frameOfTheSameSize_resetsTheZoomAndKeepsThePlace()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(2.0);
         still.drag({ 300, 300 }, { 100, 150 });
-        showFrame(still);
-        QImage expected = enlarged(1, 200, 150);
-        picture::outline(expected, 0, 0, 100, 75, YELLOW);
+        still.showFrame();
+        QImage expected = enlarged(1, { 200, 150 });
         // 200 * 100 / 1280 = 15, 150 * 75 / 960 = 11
-        picture::outline(expected, 15, 11, 58, 45, YELLOW);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
+        picture::addOverview(expected, OVERVIEW, part(15, 11, 58, 45));
+        QCOMPARE(still.differenceFrom(expected), QString());
     }
 
     void otherBits_resetTheZoom()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(4.0);
         TargetFrame coloured(1280, 960, 3);
         still.show(coloured.mark(200, 200, 2, 0));
         QCOMPARE(still.painted().pixel(200, 200), qRgb(0, 0, 0));
         QCOMPARE(still.painted().pixel(202, 200), qRgb(170, 170, 170));
-        QCOMPARE(still.painted().pixel(43, 34), YELLOW);
+        QCOMPARE(still.painted().pixel(43, 34), picture::YELLOW);
     }
 
     void frameWithoutPixels_changesNothing()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         const QImage before = still.painted();
         unsigned char byte = 0;
         still.widget.setImageData(nullptr, 1280, 960, 8);
@@ -216,36 +200,37 @@ private slots:
     {
         QFETCH(double, scale);
         StillView still;
-        showFrame(still);
+        still.showFrame();
         still.widget.setScale(scale);
         still.drag({ 300, 300 }, { 250, 260 });
         QImage expected = still.painted();
-        still.widget.setTargetingMode(true);
-        still.mouse(QEvent::MouseButtonPress, { 300, 200 });
+        still.targetAt({ 300, 200 });
         picture::outline(expected, 280, 180, 319, 219, GREEN);
-        QCOMPARE(picture::difference(still.painted(), expected), QString());
+        QCOMPARE(still.differenceFrom(expected), QString());
     }
 
     void searchPosition_staysWithTheFrame()
     {
         StillView still;
-        showFrame(still);
-        still.widget.setTargetingMode(true);
-        still.mouse(QEvent::MouseButtonPress, { 300, 200 });
-        still.mouse(QEvent::MouseButtonRelease, { 300, 200 });
-        still.widget.setTargetingMode(false);
-        still.drag({ 300, 300 }, { 290, 280 });
-        QVERIFY(still.painted().pixel(280, 180) != GREEN);
-        // A frame of the same size leaves the place; targeting mode would forget the position.
-        still.widget.setTargetingMode(true);
-        QVERIFY(still.painted().pixel(270, 160) != GREEN);
+        still.showFrame();
+        still.widget.setScale(4.0);
+        still.drag({ 0, 0 }, { -5000, -5000 });
+        still.targetAt({ 100, 150 });
+        // The view goes from (1145, 852) to (1010, 744), and shows the position so much further on.
+        still.widget.setScale(2.0);
+        QImage expected = enlarged(2, { 1010, 744 });
+        picture::addOverview(expected, OVERVIEW, part(78, 58, 100, 75));
+        picture::outline(expected, 235 - 20, 258 - 20, 235 + 19, 258 + 19, GREEN);
+        QCOMPARE(still.differenceFrom(expected), QString());
     }
 
     void targetingMode_showsNoSquareBeforeTheFirstClick()
     {
         StillView still;
-        showFrame(still);
+        still.showFrame();
         const QImage before = still.painted();
+        // A click of before does not count.
+        still.mouse(QEvent::MouseButtonPress, { 300, 200 });
         still.widget.setTargetingMode(true);
         QCOMPARE(still.painted(), before);
         still.mouse(QEvent::MouseButtonPress, { 300, 200 });

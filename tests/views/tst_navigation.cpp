@@ -21,8 +21,8 @@ private slots:
         QCOMPARE(navigation.frameRect(), QRect(0, 0, 100, 67));
     }
 
-    // Worked out by hand: left = x W / 1280, right = left + W - ((1280 - display) W / 1280) - 1, each
-    // division truncated; the same with 960 for the rows.
+    /// Worked out by hand: left = x W / 1280, right = left + W - ((1280 - display) W / 1280) - 1, each
+    /// division truncated; the same with 960 for the rows.
     void position_isScaledWithTruncatingDivisions_data()
     {
         QTest::addColumn<QSize>("overview");

@@ -16,7 +16,7 @@ class tst_targetmark : public QObject {
     Q_OBJECT
 
 private slots:
-    // Position, first pixel and number of pixels along one axis of 1280 or 960 pixels.
+    /// Position, first pixel and number of pixels along one axis of 1280 or 960 pixels.
     void searchWindow_staysInsideTheFrame_data()
     {
         QTest::addColumn<int>("x");
@@ -96,8 +96,8 @@ private slots:
         QCOMPARE(contoursOf(frame, { 620, 460, 40, 40 }).size(), std::size_t(1));
     }
 
-    // The filter widens a mark by two pixels. On the whole frame it does so across the edge of the window,
-    // too.
+    /// The filter widens a mark by two pixels. On the whole frame it does so across the edge of the window,
+    /// too.
     void markJustOutsideTheWindow_reachesIn()
     {
         TargetFrame frame(1280, 960);

@@ -4,7 +4,7 @@
 
 #include "views/CameraView.h"
 
-// An AR0134 source that finds a camera when the test says so, and notes what it saw when it was made.
+/// An AR0134 source that finds a camera when the test says so, and notes what it saw when it was made.
 class Ar0134FrameDelivery : public FrameDelivery {
 public:
     inline static bool attached = false;

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <vector>
 
-// The part of the frame source that the live view sees, in the hand of a test: no camera, no thread.
+/// The part of the frame source that the live view sees, in the hand of a test: no camera, no thread.
 class FrameDelivery : public QObject {
 public:
     static constexpr int kFrameWidth = 1280;
@@ -40,7 +40,7 @@ public:
 
     bool running = true;
     bool live = false;
-    std::vector<unsigned char> frame; // empty, or 1280 by 960 bytes
+    std::vector<unsigned char> frame; ///< empty, or 1280 by 960 bytes
     int pushes = 0;
-    unsigned char* target = nullptr; // where the last frame went
+    unsigned char* target = nullptr; ///< where the last frame went
 };
