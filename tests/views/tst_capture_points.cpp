@@ -134,8 +134,8 @@ private slots:
     void otherDepths_tellOneThing()
     {
         StillView still;
-        std::vector<unsigned char> bytes(1280 * 960 * 2, TargetFrame::BRIGHT);
-        still.widget.setImageData(bytes.data(), 1280, 960, 16);
+        TargetFrame frame(2 * 1280, 960);
+        still.widget.setImageData(frame.data(), 1280, 960, 16);
         still.target(640, 480);
         QCOMPARE(search(still).size(), 1);
     }
