@@ -54,8 +54,9 @@ void MainWindow::pushButton_AUTOFOCUS_clicked(bool coarse)
 bool MainWindow::focusSilently(bool coarse)
 {
     m_autofocusSilent = 1;
-    SignalWait ended(this, &MainWindow::sig_finish_Autofocusing);
     pushButton_AUTOFOCUS_clicked(coarse);
+    // Only now: while the debug folder is asked for, a run of before may end.
+    SignalWait ended(this, &MainWindow::sig_finish_Autofocusing);
     return ended.wait();
 }
 
