@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "camera/framedelivery.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
 
@@ -9,7 +10,6 @@
 
 namespace {
 
-constexpr int kFrameBytes = 1280 * 960;
 constexpr int kConnectDelayMs = 500;
 
 } // namespace
@@ -41,7 +41,7 @@ MainWindow::MainWindow(QWidget* parent)
     ui->radioButton_QLPK_NO->setChecked(true);
     get_TAVO_QR9_ini();
 
-    m_pImageBuffer = new unsigned char[kFrameBytes]();
+    m_pImageBuffer = new unsigned char[FrameDelivery::kFrameBytes]();
 
     // The gate of the whole user interface: it opens when the camera has started.
     ui->tabWidget_CONTROLLER->setEnabled(false);

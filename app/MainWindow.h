@@ -454,7 +454,7 @@ private:
     unsigned char* m_pImageBuffer = nullptr;
     bool m_bConnected_Controller = false;
     bool m_bConnected_Camera = false;
-    int m_CAM_type = 0; ///< 0 none, 1 Basler, 2 AR0134
+    int m_CAM_type = 0; ///< a CameraType
     QTimer* m_timer_FPS = nullptr;
     Controller* m_pController = nullptr;
     QString m_strCommand; ///< the last line built for the board

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int kFrameWidth = 1280;
-constexpr int kFrameHeight = 960;
 constexpr int kGainSliderMaximum = 270;
 constexpr int kFpsPeriodMs = 500;
 
@@ -66,7 +64,7 @@ void MainWindow::copyNewestFrame()
     if (FrameDelivery::m_pInstance == nullptr)
         return;
     // A header on the buffer: the source copies the frame straight into it.
-    cv::Mat frame(kFrameHeight, kFrameWidth, CV_8UC1, m_pImageBuffer);
+    cv::Mat frame(FrameDelivery::kFrameHeight, FrameDelivery::kFrameWidth, CV_8UC1, m_pImageBuffer);
     FrameDelivery::m_pInstance->pushMatImage(frame);
 }
 
@@ -79,7 +77,7 @@ unsigned char* MainWindow::basler_camera_grab()
 unsigned char* MainWindow::basler_camera_grab(bool)
 {
     copyNewestFrame();
-    emit sig_ImageGrabbed(m_pImageBuffer, kFrameWidth, kFrameHeight);
+    emit sig_ImageGrabbed(m_pImageBuffer, FrameDelivery::kFrameWidth, FrameDelivery::kFrameHeight);
     return m_pImageBuffer;
 }
 

@@ -1,7 +1,9 @@
 #include "app/MainWindow.h"
 
 #include "app/best_sample.h"
+#include "app/settling.h"
 #include "app/signal_wait.h"
+#include "camera/framedelivery.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
 
@@ -17,8 +19,6 @@ namespace {
 
 constexpr int kFieldsOfPosition = 4; ///< "$OK#Z#STAGE POS#1234"
 constexpr int kFieldsOfEcho = 3; ///< "$OK#Z#STAGE STEP 115"
-constexpr int kFrameBytes = 1280 * 960;
-constexpr int kSettlingMs = 50;
 
 } // namespace
 
@@ -155,7 +155,7 @@ int MainWindow::setUpMoveZ(int from, int to)
 void MainWindow::slot_ImageGrabbed_AutoFocusing(uchar* pixels, int width, int height)
 {
     // The frame usually stands in the buffer already.
-    if (pixels != m_pImageBuffer && width * height <= kFrameBytes)
+    if (pixels != m_pImageBuffer && width * height <= FrameDelivery::kFrameBytes)
         std::memmove(
             m_pImageBuffer, pixels, static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
 
@@ -257,7 +257,7 @@ void MainWindow::advanceAutofocus(int position)
         m_autofocusPos = position;
         // The stage stands: one exposure and a little more, and the newest frame shows this position.
         QTimer::singleShot(
-            ui->spinBox_EXPOSURE->text().toInt() + kSettlingMs, this, SLOT(slot_request_camera_grab()));
+            ui->spinBox_EXPOSURE->text().toInt() + kFocusSettlingMs, this, SLOT(slot_request_camera_grab()));
         break;
     default:
         break;

@@ -1,7 +1,9 @@
 #include "app/MainWindow.h"
 
 #include "app/channel_picture.h"
+#include "app/settling.h"
 #include "app/signal_wait.h"
+#include "camera/framedelivery.h"
 #include "storage/ImReaderWriter.h"
 #include "ui_MainWindow.h"
 
@@ -14,9 +16,6 @@
 
 namespace {
 
-constexpr int kFrameWidth = 1280;
-constexpr int kFrameHeight = 960;
-constexpr int kSettlingMs = 250;
 constexpr unsigned short kCompressionLzw = 5;
 constexpr unsigned short kPhotometricRgb = 2;
 
@@ -63,15 +62,17 @@ bool MainWindow::saveFrameWhenSettled()
     // LED and filter wheel settle, and the exposure begins anew.
     const int exposure = ui->spinBox_EXPOSURE->text().toInt();
     SignalWait saved(this, &MainWindow::sig_finish_save_ImageGrabbed);
-    QTimer::singleShot(exposure + kSettlingMs, this, SLOT(slot_save_ImageGrabbed()));
+    QTimer::singleShot(exposure + kStillSettlingMs, this, SLOT(slot_save_ImageGrabbed()));
     return saved.wait();
 }
 
 void MainWindow::slot_save_ImageGrabbed()
 {
-    const cv::Mat frame = cv::Mat(kFrameHeight, kFrameWidth, CV_8UC1, basler_camera_grab()).clone();
+    const cv::Mat frame
+        = cv::Mat(FrameDelivery::kFrameHeight, FrameDelivery::kFrameWidth, CV_8UC1, basler_camera_grab())
+              .clone();
     cv::Mat picture = channelPicture(frame, m_illumination_type);
-    save_ImageGrabbed(picture.data, kFrameWidth, kFrameHeight);
+    save_ImageGrabbed(picture.data, picture.cols, picture.rows);
 }
 
 void MainWindow::save_ImageGrabbed(unsigned char* pixels, int width, int height)

@@ -1,10 +1,10 @@
 #include "app/MainWindow.h"
 
 #include "app/acknowledge_box.h"
-#include "app/camera_type.h"
 #include "app/styles.h"
 #include "camera/framedelivery.h"
 #include "link/Controller.h"
+#include "views/camera_type.h"
 #include "ui_MainWindow.h"
 
 #include <QDebug>
@@ -119,7 +119,7 @@ void MainWindow::check_CameraConnection()
     m_bConnected_Camera = false;
     m_CAM_type = ui->BASLER_VIDEO_WIDGET->cameraType();
     if (m_CAM_type != CAMERA_NONE)
-        initialize_Basler(1280, 960, 8);
+        initialize_Basler(FrameDelivery::kFrameWidth, FrameDelivery::kFrameHeight, 8);
     else
         showError(this, "Check if the CAMERA is present !");
 

@@ -1,10 +1,10 @@
 #include "app/MainWindow.h"
 
-#include "app/camera_type.h"
 #include "app/settings.h"
 #include "app/styles.h"
 #include "camera/framedelivery.h"
 #include "link/Controller.h"
+#include "views/camera_type.h"
 #include "ui_MainWindow.h"
 
 namespace {

@@ -1,8 +1,10 @@
 #include "app/MainWindow.h"
 
 #include "app/settings.h"
+#include "app/settling.h"
 #include "app/signal_wait.h"
 #include "app/styles.h"
+#include "camera/framedelivery.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
 
@@ -15,9 +17,6 @@
 
 namespace {
 
-constexpr int kFrameWidth = 1280;
-constexpr int kFrameHeight = 960;
-constexpr int kSettlingMs = 250;
 constexpr int kLastField = kShiftFields - 1;
 constexpr double kObjectLevel = 120.0; ///< objects of bright field are darker than this
 
@@ -111,7 +110,8 @@ bool MainWindow::takeShiftFrames(int zOffset)
 bool MainWindow::takeShiftFrame()
 {
     SignalWait stored(this, &MainWindow::sig_finish_pixelshift_ImageGrabbed);
-    QTimer::singleShot(ui->spinBox_EXPOSURE->value() + kSettlingMs, this, SLOT(slot_request_camera_grab()));
+    QTimer::singleShot(
+        ui->spinBox_EXPOSURE->value() + kStillSettlingMs, this, SLOT(slot_request_camera_grab()));
     return stored.wait();
 }
 
@@ -137,7 +137,7 @@ bool MainWindow::goToNextShiftField()
 void MainWindow::slot_ImageGrabbed_pixelshift(uchar* pixels, int, int)
 {
     qDebug() << Q_FUNC_INFO;
-    const cv::Mat frame(kFrameHeight, kFrameWidth, CV_8UC1, pixels);
+    const cv::Mat frame(FrameDelivery::kFrameHeight, FrameDelivery::kFrameWidth, CV_8UC1, pixels);
     const auto field = static_cast<std::size_t>(m_shiftField);
     if (m_shiftChannel == ILLUMINATION_BF)
         frame.copyTo(m_matBF.at(field));
@@ -179,7 +179,7 @@ void MainWindow::showAverageShift(const FieldShifts& shifts)
             sums[i] += shift[i];
     }
     for (std::size_t i = 0; i < sums.size(); ++i)
-        m_shiftAverage[i] = static_cast<float>(static_cast<double>(sums[i]) / 12.0);
+        m_shiftAverage[i] = static_cast<float>(static_cast<double>(sums[i]) / kShiftFields);
 
     const auto fields = shiftFields();
     for (std::size_t i = 0; i < fields.size(); ++i)

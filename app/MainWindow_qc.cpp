@@ -1,6 +1,8 @@
 #include "app/MainWindow.h"
 
 #include "app/settings.h"
+#include "app/settling.h"
+#include "camera/framedelivery.h"
 #include "ui_MainWindow.h"
 
 #include <QEventLoop>
@@ -10,8 +12,6 @@
 #include <cstdlib>
 
 namespace {
-
-constexpr int kSettlingMs = 250;
 
 /// Fields counted for one sample, by slide type.
 struct SlideFields {
@@ -53,7 +53,7 @@ void MainWindow::on_pushButton_QC_CAPTURE_clicked()
     const int exposure = ui->spinBox_EXPOSURE->text().toInt();
     QEventLoop loop;
     connect(this, &MainWindow::sig_finish_QC_ImageGrabbed, &loop, &QEventLoop::quit);
-    QTimer::singleShot(exposure + kSettlingMs, this, SLOT(slot_QC_ImageGrabbed()));
+    QTimer::singleShot(exposure + kStillSettlingMs, this, SLOT(slot_QC_ImageGrabbed()));
     loop.exec();
 
     ui->BASLER_VIDEO_WIDGET->hide();
@@ -67,7 +67,8 @@ void MainWindow::on_pushButton_QC_CAPTURE_clicked()
 
 void MainWindow::slot_QC_ImageGrabbed()
 {
-    ui->CAPTURE_IMAGE_WIDGET->setImageData(basler_camera_grab(), 1280, 960, 8);
+    ui->CAPTURE_IMAGE_WIDGET->setImageData(
+        basler_camera_grab(), FrameDelivery::kFrameWidth, FrameDelivery::kFrameHeight, 8);
     emit sig_finish_QC_ImageGrabbed();
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include <QString>
+
+#include <string>
 
 /// The window's short way to the settings files, and to the C library's number formats that they hold.
 /// GUI thread only. Nothing is cached: every call opens the file anew, so that an edited file takes effect

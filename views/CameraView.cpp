@@ -3,6 +3,7 @@
 #include "camera/ar0134_framedelivery.h"
 #include "camera/baslerframedelivery.h"
 #include "camera/framedelivery.h"
+#include "views/camera_type.h"
 #include "views/reticle.h"
 #include "views/zoom.h"
 
@@ -19,12 +20,6 @@ namespace {
 
 constexpr int FRAME_WIDTH = FrameDelivery::kFrameWidth;
 constexpr int FRAME_HEIGHT = FrameDelivery::kFrameHeight;
-
-enum CameraType {
-    CAMERA_NONE = 0,
-    CAMERA_BASLER = 1,
-    CAMERA_AR0134 = 2,
-};
 
 /// Which of the three colours a table shows; the grey value goes into each of them.
 struct Tint {

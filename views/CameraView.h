@@ -48,7 +48,7 @@ public:
     /// Appends 256 opaque entries to each of the seven tables; called once, by the constructor.
     void initializePseudoColorTable();
 
-    /// Which camera the constructor found: 0 none, 1 Basler, 2 AR0134.
+    /// Which camera the constructor found, a CameraType.
     int cameraType() const { return m_cameraType; }
 
 public slots:
