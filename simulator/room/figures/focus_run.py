@@ -24,16 +24,16 @@ def measure(build):
     path = statistics.median(wait for run in runs for wait in _waits_of_walks(run))
     work = path - EXPOSURE - SETTLING
     yield Figure("path of a focus frame, reply to next command, median", path, "ms")
-    yield Figure("  of it the exposure and the stated wait", EXPOSURE + SETTLING, "ms")
+    yield Figure("  of it the exposure and the settling time", EXPOSURE + SETTLING, "ms")
     yield Figure("  of it the program's own work: timer, grab, measure", work, "ms", at_most=10)
     yield Figure("  its share", 100 * work / path, "%")
     whole = statistics.median(run[-1][0] - run[0][0] for run in runs)
     stage = statistics.median(_time_of_the_board(run) for run in runs)
-    stated = FRAMES * (EXPOSURE + SETTLING)
+    frames = FRAMES * (EXPOSURE + SETTLING)
     yield Figure(f"focus run, first line to last reply, median of {RUNS}", whole, "ms")
     yield Figure("  of it the board's: motions and replies", stage, "ms")
-    yield Figure("  of it the frames': exposures and stated waits", stated, "ms")
-    yield Figure("  of it the program's own", 100 * (whole - stage - stated) / whole, "%", at_most=2)
+    yield Figure("  of it the frames': exposures and settling times", frames, "ms")
+    yield Figure("  of it the program's own", 100 * (whole - stage - frames) / whole, "%", at_most=2)
 
 
 def _focus(room, hand):
