@@ -18,7 +18,7 @@ QByteArray reply_text::take(QByteArray& buffer, const QByteArray& received)
     if (!isComplete(buffer)) {
         return {};
     }
-    const QByteArray reply = buffer;
+    QByteArray reply = buffer;
     buffer.clear();
     return reply;
 }
