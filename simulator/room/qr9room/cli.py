@@ -64,7 +64,6 @@ def _options(arguments):
         quick=arguments.quick,
         reset_program=not arguments.no_reset_program,
         ini=arguments.ini,
-        verifier_ini=arguments.verifier_ini,
         environment=dict(pair.split("=", 1) for pair in arguments.env),
         instrument_arguments=arguments.instrument_arg,
     )
@@ -99,7 +98,6 @@ def _parse(words):
     run.add_argument("--quick", action="store_true", help="motions take no noticeable time")
     run.add_argument("--no-reset-program", action="store_true", help="Reset_BaslerCamera is missing")
     run.add_argument("--ini", type=Path, metavar="FILE", help="becomes TAVO_QR9.ini (default: no such file)")
-    run.add_argument("--verifier-ini", type=Path, metavar="FILE", help="becomes VerifierQR9.ini")
     run.add_argument("--env", action="append", default=[], metavar="K=V", help="a variable of the program")
     run.add_argument("--instrument-arg", action="append", default=[], metavar="ARG",
                      help="one more argument of VirtualInstrument")

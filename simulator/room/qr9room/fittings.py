@@ -77,5 +77,3 @@ def _place_instrument_files(home, options):
         shutil.copy(HERE / "stubs/Reset_BaslerCamera", home)
     if options.ini:
         shutil.copyfile(options.ini, home / "TAVO_QR9.ini")
-    if options.verifier_ini:
-        shutil.copyfile(options.verifier_ini, home / "VerifierQR9.ini")

@@ -20,7 +20,6 @@ class Options:
     quick: bool = False  # motions take no noticeable time
     reset_program: bool = True  # False: Reset_BaslerCamera is missing
     ini: Path | None = None  # becomes TAVO_QR9.ini
-    verifier_ini: Path | None = None  # becomes VerifierQR9.ini
     environment: dict = field(default_factory=dict)  # more variables of the program
     instrument_arguments: list = field(default_factory=list)  # more arguments of VirtualInstrument
     desk: bool = False  # show the window on the user's own display
