@@ -6,11 +6,13 @@
 /// Runs a literal and a built version of operations alternately and compares their medians.
 namespace comparison {
 
+/// What a measurement may use of the machine.
 enum class Cores {
     one,
     all // those of the machine; wanted ratios for it hold for two or more
 };
 
+/// One operation, both ways.
 struct Operation {
     std::string name;
     Cores cores = Cores::one;

@@ -226,6 +226,7 @@ void BaslerCamera::disconnect()
     qDebug() << Q_FUNC_INFO;
     if (!IsPylonDeviceAttached())
         return;
+    // The numbers are part of lines that readers of the log look for.
     qDebug() << "disconnect" << 219 << IsPylonDeviceAttached();
     DetachDevice();
     DestroyDevice();

@@ -8,8 +8,8 @@ namespace {
 
 constexpr std::size_t kFewestObjects = 10;
 constexpr std::size_t kMostObjects = 1000;
-constexpr double kLargestRadius
-    = 1.25; ///< as a multiple of the mean radius; objects from here on do not count
+/// As a multiple of the mean radius; objects from here on do not count.
+constexpr double kLargestRadius = 1.25;
 constexpr double kBlankedMargin = 3.0; ///< px around an object that are not background either
 constexpr double kFrameArea = 1228800.0; ///< px, also where objects were taken out
 

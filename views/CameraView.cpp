@@ -177,6 +177,7 @@ void CameraView::slot_update()
 
 bool CameraView::event(QEvent* event)
 {
+    // The number is part of a line that readers of the log look for.
     if (event->type() == QEvent::WindowDeactivate)
         qDebug() << Q_FUNC_INFO << 419 << "QEvent::WindowDeactivate";
     return QWidget::event(event);

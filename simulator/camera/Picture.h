@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/Clock.h"
+#include "simulator/optics/GroundTruth.h"
 
 #include <opencv2/core/mat.hpp>
 
@@ -14,11 +15,11 @@ struct CaptureSettings {
     double gainDb = 0.0; ///< 20 dB are a factor of ten in grey
     bool mirrorX = false;
     bool mirrorY = false;
-    int width = 1280; ///< pixels delivered
-    int height = 960; ///< rows delivered, without the margins
-    bool bCentreX
-        = false; ///< a picture narrower than the sensor comes from its middle, else from its left edge
-    bool bCentreY = false;
+    int width = optics::kFrameWidth; ///< pixels delivered
+    int height = optics::kFrameHeight; ///< rows delivered, without the margins
+    /// A picture narrower than the sensor comes from its middle, else from its left edge.
+    bool bCentreX = false;
+    bool bCentreY = false; ///< likewise, else from its upper edge
     int marginRows = 0; ///< rows above and below the picture that are delivered with it
     int bytesPerPixel = 1; ///< 2: twelve valid bits, low byte first
     double gamma = 1.0;
@@ -33,7 +34,7 @@ struct Picture {
     QByteArray bytes;
 };
 
-/// Makes the picture that the camera delivers of what its sensor saw (CV_8UC1, 960 rows of 1280, mirrored
+/// Makes the picture that the camera delivers of what its sensor saw (CV_8UC1, a whole frame, mirrored
 /// already).
 Picture develop(const cv::Mat& sensor, const CaptureSettings& settings);
 

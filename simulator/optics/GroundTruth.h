@@ -19,8 +19,8 @@ constexpr int kFrameWidth = 1280; ///< pixels
 constexpr int kFrameHeight = 960; ///< pixels
 constexpr double kPixelPitchUm = 3.75; ///< of the sensor
 constexpr double kStepsPerMm = 533.3; ///< X motor steps per millimetre of slide
-constexpr double kStepsFromMarkToA1
-    = 18931.0; ///< field A1 of the two-channel slide lies so far above the mark
+/// Field A1 of the two-channel slide lies so far above the mark.
+constexpr double kStepsFromMarkToA1 = 18931.0;
 
 /// Best focus of the channel with the stage at xSteps, in Z steps (not rounded). It is the same for every
 /// slide.

@@ -17,7 +17,7 @@ enum class Slide {
 };
 constexpr int kSlideCount = 9;
 
-/// Channel of light; the value less the filter position that lets it through is -1.
+/// Channel of light; the filter position that lets it through is the value plus 1.
 enum class Channel {
     BrightField = 0,
     Gfp = 1,
@@ -38,8 +38,8 @@ struct OpticalState {
     Slide slide = Slide::TwoChannel;
     int xSteps = 0; ///< stage X, motor steps
     int zSteps = 32000; ///< stage Z, motor steps
-    int filter
-        = 1; ///< position of the filter wheel: 1 bright field, 2 GFP, 3 RFP; any other lets nothing through
+    /// Position of the filter wheel: 1 bright field, 2 GFP, 3 RFP; any other lets nothing through.
+    int filter = 1;
     LedLevels leds;
     double exposureMs = 35.0; ///< milliseconds; a negative one counts as 0
     double gainDb = 0.0; ///< camera gain, dB

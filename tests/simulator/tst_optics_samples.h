@@ -12,8 +12,8 @@
 /// measurements written out in plain library calls.
 namespace qr9::optics::samples {
 
-constexpr int kNominalA1
-    = 30931; ///< X start position of the two-channel slide of an instrument without calibration
+/// X start position of the two-channel slide of an instrument without calibration.
+constexpr int kNominalA1 = 30931;
 constexpr int kFieldPitch = 480; ///< X steps from field to field
 
 /// The channel's filter, LEDs, exposure and gain as an instrument without settings has them; stage in focus.

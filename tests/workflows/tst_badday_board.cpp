@@ -37,8 +37,8 @@ namespace {
 
 const QString kRun = "$Z#STAGE RUN";
 constexpr int kCellsX = 30931; ///< a field of cells under the objective
-constexpr int kFocus
-    = 30000; ///< best focus of the unit everywhere, on the grid of a run around this reference
+/// Best focus of the unit everywhere, on the grid of a run around this reference.
+constexpr int kFocus = 30000;
 const QByteArray kReferenceInFocus = "[Calibration]\nZ reference=30000\n";
 
 void addLineFaults()
