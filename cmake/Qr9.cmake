@@ -85,6 +85,7 @@ function(qr9_room_run name program)
   add_test(NAME ${name} COMMAND ${PROJECT_SOURCE_DIR}/simulator/room/room run --build ${PROJECT_BINARY_DIR}
     --timeout ${ARG_TIMEOUT} ${ARG_ROOM} -- ${path} ${ARG_ARGS})
   set_tests_properties(${name} PROPERTIES LABELS "workflow;${ARG_LABELS}" TIMEOUT ${limit} SKIP_RETURN_CODE 77
+    COST ${ARG_TIMEOUT} # the longest begin first
     ENVIRONMENT "LC_ALL=C.UTF-8;${QR9_SANITIZER_ENVIRONMENT}")
   if(QR9_SANITIZE)
     # Slowed down, two rooms at a time leave the camera no time to follow the stage.
