@@ -46,6 +46,7 @@ QString line(const char* name, const std::vector<double>& values, int digits, do
 template <typename Field> std::vector<double> column(const std::vector<Footprint>& rows, Field field)
 {
     std::vector<double> values;
+    values.reserve(rows.size());
     for (const Footprint& row : rows)
         values.push_back(static_cast<double>(row.*field));
     return values;

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::uintmax_t kSamples = 1280U * 1024U;
+constexpr std::uintmax_t kSamples = std::uintmax_t { 1280 } * 1024;
 constexpr std::array<std::uintmax_t, 8> kLengths {
     0,
     1,

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr std::size_t kMostDamages = 4;
-constexpr std::size_t kLongestInput = 64U * 1024U;
+constexpr std::size_t kLongestInput = std::size_t { 64 } * 1024;
 
 /// Bytes on which the readers decide something.
 constexpr std::array<std::uint8_t, 16> kTellingBytes { 0x00, 0x01, 0x7F, 0x80, 0xFF, '$', '#', ' ', ',', '\r',
