@@ -44,6 +44,13 @@ function(qr9_library target)
   qr9_own_code(${target})
 endfunction()
 
+# qr9_lengthen(LIMIT) - multiplies the variable LIMIT, a test's seconds, by what a sanitizer slows the test down.
+macro(qr9_lengthen limit)
+  if(QR9_SANITIZE)
+    math(EXPR ${limit} "4 * ${${limit}}")
+  endif()
+endmacro()
+
 # qr9_unit_test(NAME LABELS... LIBS...) - a Qt Test program tests/<room>/NAME.cpp that needs no room.
 # It runs on the offscreen platform, so that no display is needed.
 function(qr9_unit_test name)
@@ -57,7 +64,9 @@ function(qr9_unit_test name)
     set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
   endif()
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES LABELS "unit;${ARG_LABELS}" TIMEOUT 120
+  set(limit 120)
+  qr9_lengthen(limit)
+  set_tests_properties(${name} PROPERTIES LABELS "unit;${ARG_LABELS}" TIMEOUT ${limit}
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=;LC_ALL=C.UTF-8;${QR9_SANITIZER_ENVIRONMENT}")
 endfunction()
 
@@ -79,6 +88,7 @@ function(qr9_room_run name program)
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
+  qr9_lengthen(ARG_TIMEOUT)
   file(RELATIVE_PATH path ${PROJECT_BINARY_DIR} ${CMAKE_CURRENT_BINARY_DIR}/${program})
   # The launcher ends a program that hangs before ctest does, so that the evidence is kept.
   math(EXPR limit "${ARG_TIMEOUT} + 30")

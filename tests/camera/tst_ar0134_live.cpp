@@ -43,7 +43,7 @@ private slots:
         QThread thread;
         camera.moveToThread(&thread);
         thread.start();
-        QMetaObject::invokeMethod(&camera, [&camera] { camera.slot_setLiveViewState(true); });
+        QMetaObject::invokeMethod(&camera, "slot_setLiveViewState", Q_ARG(bool, true));
         int woken = 0;
         do {
             ++waits;
