@@ -91,7 +91,7 @@ private slots:
         m_client->open(wire::kClassPylon);
         QCOMPARE(m_client->code(Kind::SetFeature, "ExposureTime", 20.0), 0);
         QCOMPARE(m_client->code(Kind::StartStream), 0); // runs freely
-        QTRY_VERIFY_WITH_TIMEOUT(cameraState("exposures").toInt() > 60, kPatienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(cameraState("exposures").toInt() > 60, 2 * kPatienceMs);
         QCOMPARE(m_client->code(Kind::StopStream), 0);
         int frames = 0;
         while (m_client->nextEvent()) {
