@@ -1,7 +1,7 @@
 #include "app/version_text.h"
 #include "app/zr_meta.h"
+#include "tests/support/program_output.h"
 
-#include <QProcess>
 #include <QtTest>
 
 /// The build metadata: in this process, and in the section of the built program's file.
@@ -18,14 +18,6 @@ private slots:
 };
 
 namespace {
-
-QByteArray run(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    process.waitForFinished();
-    return process.readAllStandardOutput();
-}
 
 /// Offset of the record behind one of this many bytes (NUL included) at `offset`: records of 16 bytes or more
 /// begin at a multiple of 16, shorter ones at a multiple of 8.
@@ -75,7 +67,7 @@ void tst_zr_meta::buildSeconds_areShownInTheTimeOfThePlace()
 
 void tst_zr_meta::section_isReadOnlyAndAlignedTo16()
 {
-    const QString sections = run("readelf", { "-S", "-W", QR9_PROGRAM });
+    const QString sections = outputOf("readelf", { "-S", "-W", QR9_PROGRAM });
     const QStringList found = sections.split("\n").filter("ZR_META");
     QCOMPARE(found.size(), 1);
     // name, type, address, offset, size, entry size, flags, link, info, alignment
@@ -88,7 +80,7 @@ void tst_zr_meta::section_holdsTheRecordsAtTheirOffsets()
 {
     QTemporaryDir folder;
     const QString file = folder.filePath("section");
-    run("objcopy", { "-O", "binary", "--only-section=ZR_META", QR9_PROGRAM, file });
+    outputOf("objcopy", { "-O", "binary", "--only-section=ZR_META", QR9_PROGRAM, file });
     QFile section(file);
     QVERIFY(section.open(QIODevice::ReadOnly));
     const QByteArray found = section.readAll();

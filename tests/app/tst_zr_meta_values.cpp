@@ -1,4 +1,5 @@
-#include <QProcess>
+#include "tests/support/program_output.h"
+
 #include <QtTest>
 
 /// What the build fills the metadata's records with: the script that writes their values, run by itself.
@@ -62,11 +63,7 @@ public:
 private:
     QByteArray run(const QString& program, const QStringList& arguments) const
     {
-        QProcess process;
-        process.setProcessEnvironment(m_environment);
-        process.start(program, arguments);
-        process.waitForFinished();
-        return process.readAllStandardOutput();
+        return outputOf(program, arguments, m_environment);
     }
 
     QTemporaryDir m_folder;

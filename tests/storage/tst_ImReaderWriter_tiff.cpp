@@ -1,25 +1,12 @@
 #include "ImageFiles.h"
+#include "tests/support/program_output.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
 using general::ImReaderWriter;
-
-namespace {
-
-/// What a program of other makers says on standard output, or nothing where it is not installed.
-QByteArray outputOf(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    process.waitForFinished();
-    return process.readAllStandardOutput();
-}
-
-} // namespace
 
 /// TIFF files, checked by the library itself and by programs of other makers.
 class tst_ImReaderWriter_tiff : public QObject {

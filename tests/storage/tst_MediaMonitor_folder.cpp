@@ -1,10 +1,10 @@
 #include "MonitorViews.h"
 #include "StickShelf.h"
+#include "tests/support/program_output.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QRegExp>
 #include <QTest>
 
@@ -18,12 +18,10 @@ const QByteArray pixels = "the pixels of a day's work";
 /// the system and its mount program keep their books in.
 QStringList everythingOutsideMedia()
 {
-    QProcess find;
-    find.start("/usr/bin/find",
+    const QByteArray found = outputOf("/usr/bin/find",
         { "/", "-regex", "/\\(dev\\|media\\|proc\\|run\\|sys\\|tmp\\|usr\\)", "-prune", "-o", "-printf",
             "%p %y %s %T@ %i\n" });
-    find.waitForFinished();
-    return QString(find.readAllStandardOutput()).split('\n');
+    return QString(found).split('\n');
 }
 
 /// The lines that are not among the others.

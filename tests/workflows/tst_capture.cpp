@@ -1,10 +1,10 @@
 #include "camera/framedelivery.h"
 #include "tests/storage/StickShelf.h"
+#include "tests/support/program_output.h"
 #include "tests/workflows/CapturePanel.h"
 
 #include <QElapsedTimer>
 #include <QFileDialog>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -39,14 +39,6 @@ private:
 };
 
 namespace {
-
-QByteArray outputOf(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    process.waitForFinished();
-    return process.readAllStandardOutput();
-}
 
 /// One plane of the file, read by another program than ours.
 QByteArray planeOf(const QString& file, const char* plane)
