@@ -1,7 +1,7 @@
 #include "algorithms/alg_pixelShift.h"
 
-#include "tests/algorithms/log_capture.h"
 #include "tests/algorithms/pictures.h"
+#include "tests/support/LogCapture.h"
 
 #include <opencv2/imgproc.hpp>
 

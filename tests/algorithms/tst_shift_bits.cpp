@@ -2,11 +2,11 @@
 #include "algorithms/pixelShift_literal.h"
 #include "algorithms/shift_search.h"
 
-#include "tests/algorithms/log_capture.h"
 #include "tests/algorithms/pictures.h"
 
 #include <opencv2/imgproc.hpp>
 
+#include <QLoggingCategory>
 #include <QtTest>
 
 #include <array>
@@ -70,7 +70,6 @@ Shifts searchByLibrary(const cv::Mat& reference, const std::array<cv::Mat, 2>& c
 
 Shifts search(cv::Mat reference, cv::Mat gf, cv::Mat rf)
 {
-    const LogCapture quiet;
     Shifts result;
     alg_pixelShift().phaseCorrelatePixelShift_adaptive(
         reference, gf, rf, result.shift.data(), result.reliability.data());
@@ -85,7 +84,6 @@ bool searchHasSameBits(const cv::Mat& reference, const cv::Mat& gf, const cv::Ma
 /// One measurement of both channels at thresholds of their own, the entries of a result without a peak too.
 bool measurementHasSameBits(cv::Mat reference, cv::Mat gf, cv::Mat rf, int thresholdGF, int thresholdRF)
 {
-    const LogCapture quiet;
     Shifts expected;
     measureByLibrary(reference, gf, thresholdGF, &expected.shift[0], &expected.reliability[0]);
     measureByLibrary(reference, rf, thresholdRF, &expected.shift[2], &expected.reliability[1]);
@@ -102,6 +100,8 @@ class tst_shift_bits : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase();
+
     void cameraFrames_data();
     void cameraFrames();
     void smallSizes_data();
@@ -121,6 +121,12 @@ private slots:
     void emptyImages_endInTheLibrarysException();
     void inputsAreNotChanged();
 };
+
+/// Each of tens of thousands of measurements logs a line, which the tests of the measurement read.
+void tst_shift_bits::initTestCase()
+{
+    QLoggingCategory::setFilterRules("default.debug=false");
+}
 
 void tst_shift_bits::cameraFrames_data()
 {
