@@ -3,17 +3,6 @@
 #include "camera/BaslerCamera.h"
 #include "tests/platform/ScriptedCamera.h"
 
-/// Whether the library throws.
-template <typename Call> bool throws(Call&& call)
-{
-    try {
-        call();
-    } catch (const GenICam::GenericException&) {
-        return true;
-    }
-    return false;
-}
-
 /// A camera on a scripted device.
 struct CameraBench {
     /// As the frame source does it, but without handlers.

@@ -1,3 +1,4 @@
+#include "tests/camera/BaslerTests.h"
 #include "tests/camera/CameraBench.h"
 #include "tests/support/LogCapture.h"
 
@@ -16,13 +17,11 @@ constexpr char kSecondLine[] = "disconnect 222 false";
 } // namespace
 
 /// The layer over the camera library: connection, grabbing, triggers.
-class tst_baslercamera : public QObject {
+class tst_baslercamera : public BaslerTests {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { Pylon::PylonInitialize(); }
     void init() { BaslerCamera::m_bFrameIsGrabbing = false; }
-    void cleanupTestCase() { Pylon::PylonTerminate(); }
 
     void constructor_setsTheInstanceAndOpensNothing()
     {

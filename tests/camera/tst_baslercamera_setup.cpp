@@ -1,3 +1,4 @@
+#include "tests/camera/BaslerTests.h"
 #include "tests/camera/CameraBench.h"
 #include "tests/support/LogCapture.h"
 
@@ -8,13 +9,10 @@
 using Requests = std::vector<std::string>;
 
 /// The layer over the camera library: what a camera is told once.
-class tst_baslercamera_setup : public QObject {
+class tst_baslercamera_setup : public BaslerTests {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { Pylon::PylonInitialize(); }
-    void cleanupTestCase() { Pylon::PylonTerminate(); }
-
     void initalize_writesInOrder_data()
     {
         QTest::addColumn<QString>("model");

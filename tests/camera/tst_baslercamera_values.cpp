@@ -1,3 +1,4 @@
+#include "tests/camera/BaslerTests.h"
 #include "tests/camera/CameraBench.h"
 #include "tests/support/LogCapture.h"
 
@@ -8,13 +9,10 @@
 using Requests = std::vector<std::string>;
 
 /// The layer over the camera library: exposure, gain, gamma and mirror.
-class tst_baslercamera_values : public QObject {
+class tst_baslercamera_values : public BaslerTests {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { Pylon::PylonInitialize(); }
-    void cleanupTestCase() { Pylon::PylonTerminate(); }
-
     void setExposure_keepsToTheLimits_data()
     {
         QTest::addColumn<float>("value");

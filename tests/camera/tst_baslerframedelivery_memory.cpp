@@ -1,3 +1,4 @@
+#include "tests/camera/BaslerTests.h"
 #include "tests/camera/LiveSource.h"
 #include "tests/support/LargeAllocations.h"
 
@@ -33,13 +34,10 @@ public:
 } // namespace
 
 /// What a frame costs in memory on its way through the Basler source.
-class tst_baslerframedelivery_memory : public QObject {
+class tst_baslerframedelivery_memory : public BaslerTests {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { Pylon::PylonInitialize(); }
-    void cleanupTestCase() { Pylon::PylonTerminate(); }
-
     void frame_allocatesNothingOfItsSize()
     {
         if (!LargeAllocations::areCounted())

@@ -1,3 +1,4 @@
+#include "tests/camera/BaslerTests.h"
 #include "tests/camera/LiveSource.h"
 #include "tests/support/LogCapture.h"
 
@@ -19,13 +20,10 @@ constexpr char kTimeout[] = "triggerAndWaitForFrame !!! Wait condition timeout !
 } // namespace
 
 /// Waiting for the frame that is under way, and for the next one.
-class tst_baslerframedelivery_wait : public QObject {
+class tst_baslerframedelivery_wait : public BaslerTests {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { Pylon::PylonInitialize(); }
-    void cleanupTestCase() { Pylon::PylonTerminate(); }
-
     void switchingOff_waitsForTheFrameUnderWay()
     {
         LiveSource bench;

@@ -1,0 +1,11 @@
+#include "tests/camera/BaslerTests.h"
+
+void BaslerTests::initTestCase()
+{
+    Pylon::PylonInitialize();
+}
+
+void BaslerTests::cleanupTestCase()
+{
+    Pylon::PylonTerminate();
+}
