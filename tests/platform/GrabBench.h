@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/platform/ScriptedCamera.h"
+#include "tests/platform/failure_text.h"
 
 #include <pylon/PylonIncludes.h>
 #include <pylon/usb/BaslerUsbInstantCamera.h>
@@ -14,17 +15,6 @@
 #include <mutex>
 #include <thread>
 #include <vector>
-
-/// The text of the library's exception that `call` throws, or an empty one.
-template <typename Call> QString failureOf(Call&& call)
-{
-    try {
-        call();
-    } catch (const GenICam::GenericException& exception) {
-        return exception.GetDescription();
-    }
-    return {};
-}
 
 /// What a handler saw of one grab.
 struct Seen {

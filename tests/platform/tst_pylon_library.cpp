@@ -1,4 +1,5 @@
 #include "tests/platform/ScriptedCamera.h"
+#include "tests/platform/failure_text.h"
 
 #include <pylon/PylonIncludes.h>
 #include <pylon/usb/BaslerUsbInstantCamera.h>
@@ -11,17 +12,6 @@
 #include <type_traits>
 
 namespace {
-
-/// The text of the library's exception that `call` throws, or an empty one.
-template <typename Call> QString failureOf(Call&& call)
-{
-    try {
-        call();
-    } catch (const GenICam::GenericException& exception) {
-        return exception.GetDescription();
-    }
-    return {};
-}
 
 /// An open camera on the scripted one.
 struct OpenCamera : Pylon::CBaslerUsbInstantCamera {
