@@ -43,6 +43,14 @@ inline OpticalState inFocus(const UnitConstants& unit, Channel channel, int xSte
     return state;
 }
 
+/// Bright field without a slide, and without the tray's mark in view.
+inline OpticalState emptyInBrightField(const UnitConstants& unit)
+{
+    OpticalState state = inFocus(unit, Channel::BrightField, 6000);
+    state.slide = Slide::Empty;
+    return state;
+}
+
 /// The same unit with a sensor that adds no noise.
 inline UnitConstants withoutNoise(UnitConstants unit)
 {
