@@ -53,6 +53,7 @@ private slots:
     void readOnlyFolder_losesNothingAndStoresNothingLater();
     void readOnlyFile_losesNothingAndStoresNothingLater();
     void unreadableFile_yieldsTheDefaultAndIsNotOverwritten();
+    void fileThatCanOnlyBeWritten_isNotOverwritten();
     void diskThatRunsFullAtAnyByte_losesNothingAndStoresNothingLater();
 
 private:
@@ -155,6 +156,23 @@ void tst_IniReaderWriter_failures::unreadableFile_yieldsTheDefaultAndIsNotOverwr
         const OrdinaryUser user;
         QVERIFY(user.isGood());
         QCOMPARE(m_settings->valueOf("Group", "key"), SettingsFolder::noValue);
+        ini_write("Group", "new", "value of a failed write", m_settings->path());
+    }
+    QCOMPARE(chmod(m_settings->path().c_str(), 0644), 0);
+    compareUnchangedAfterFailedWrite(before);
+}
+
+void tst_IniReaderWriter_failures::fileThatCanOnlyBeWritten_isNotOverwritten()
+{
+    // What could not be read would be lost.
+    const QByteArray before = "[Group]\nkey=old\n";
+    m_settings->put(before);
+    QCOMPARE(chown(qPrintable(m_settings->folder()), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
+    QCOMPARE(chown(m_settings->path().c_str(), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
+    QCOMPARE(chmod(m_settings->path().c_str(), 0222), 0);
+    {
+        const OrdinaryUser user;
+        QVERIFY(user.isGood());
         ini_write("Group", "new", "value of a failed write", m_settings->path());
     }
     QCOMPARE(chmod(m_settings->path().c_str(), 0644), 0);

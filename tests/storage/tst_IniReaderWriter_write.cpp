@@ -120,6 +120,9 @@ void tst_IniReaderWriter_write::valueThatIsNotUtf8_comesBackAsTheSameText()
     ini_write("Software", "Version FW", "1.0 \xB5\xFF", m_settings->path()); // Latin-1
     QCOMPARE(m_settings->valueOf("Software", "Version FW"),
         std::string("1.0 \xC2\xB5\xC3\xBF")); // the same in UTF-8
+    // The first byte of a letter whose rest is missing is a letter of its own.
+    ini_write("Software", "Version FW", "1.0 \xC3", m_settings->path());
+    QCOMPARE(m_settings->valueOf("Software", "Version FW"), std::string("1.0 \xC3\x83"));
 }
 
 void tst_IniReaderWriter_write::emptyValueWritten_isKeptInTheFileAndReadAsTheDefault()
