@@ -18,6 +18,7 @@ private slots:
     void stickWithoutLabel_isMountedAsRemovableDisk();
     void twoSticksWithoutLabel_areMountedSideBySide();
     void blankInTheLabel_isABlankOfTheFolder();
+    void blankAtTheEndOfTheLabel_isOneOfTheFolderToo();
     void otherEscapesOfTheLabel_stayAndTheStickIsReleased();
     void lettersOfOtherLanguages_areThoseOfTheFolder();
     void twoSticksOfOneLabel_areMountedSideBySide();
@@ -85,6 +86,17 @@ void tst_MediaMonitor::blankInTheLabel_isABlankOfTheFolder()
     QVERIFY(firstOf(monitor).mounted);
     monitor.release();
     QVERIFY(!firstOf(monitor).mounted);
+    QCOMPARE(media(), QStringList());
+}
+
+void tst_MediaMonitor::blankAtTheEndOfTheLabel_isOneOfTheFolderToo()
+{
+    MediaMonitor monitor;
+    m_shelf->plug("/dev/sdb1", "1234-ABCD", "STICK\\x20");
+    QTRY_COMPARE(firstOf(monitor).mountPoint, QString("/media/STICK "));
+    QVERIFY(firstOf(monitor).mounted);
+    QVERIFY(monitor.isMounted("/media/STICK "));
+    monitor.release();
     QCOMPARE(media(), QStringList());
 }
 

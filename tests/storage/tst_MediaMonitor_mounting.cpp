@@ -25,6 +25,7 @@ private slots:
 
     void mountThatFails_leavesNoFolder();
     void mountThatFailsInMountAll_makesTheStickUnusable();
+    void mountThatFailsBesideADeviceOfALongerName_isNotTakenForIt();
     void mountThatComplains_isJudgedByTheListOfMounts();
     void deviceMountedElsewhere_isTakenWhereItIs();
 
@@ -153,6 +154,22 @@ void tst_MediaMonitor_mounting::mountThatFailsInMountAll_makesTheStickUnusable()
     QTRY_VERIFY(monitor.devices().empty());
     m_shelf->plug("/dev/sdb1", "1234-ABCD", "STICK");
     QTRY_VERIFY(firstOf(monitor).mounted);
+}
+
+void tst_MediaMonitor_mounting::mountThatFailsBesideADeviceOfALongerName_isNotTakenForIt()
+{
+    m_shelf->plug("/dev/sdb10", "1010-1010", "TEN");
+    MediaMonitor monitor;
+    monitor.mountAll();
+    m_shelf->setMounting(Behaviour::fails);
+    m_shelf->plug("/dev/sdb1", "1111-1111", "ONE");
+    QTRY_COMPARE(monitor.devices().size(), std::size_t { 2 });
+    const storage_t one = monitor.devices().back();
+    QCOMPARE(one.device, QString("/dev/sdb1"));
+    QVERIFY(!one.mounted);
+    QCOMPARE(one.mountPoint, QString());
+    QVERIFY(firstOf(monitor).mounted);
+    QCOMPARE(media(), QStringList { "TEN" });
 }
 
 void tst_MediaMonitor_mounting::mountThatComplains_isJudgedByTheListOfMounts()

@@ -8,6 +8,31 @@
 
 #include <memory>
 
+#include <dlfcn.h>
+#include <sys/statvfs.h>
+
+namespace {
+
+constexpr char reservingDisk[] = "/reserving";
+
+} // namespace
+
+/// Stands in for the C library's function of this name: a disk of 3000 free megabytes in blocks of 4096
+/// bytes, of which an ordinary user may have 1000.
+extern "C" int statvfs(const char* path, struct statvfs* disk) noexcept
+{
+    if (qstrcmp(path, reservingDisk) != 0) {
+        using Function = int (*)(const char*, struct statvfs*);
+        return reinterpret_cast<Function>(dlsym(RTLD_NEXT, "statvfs"))(path, disk);
+    }
+    *disk = {};
+    disk->f_bsize = 65536; // what it likes to transfer at once
+    disk->f_frsize = 4096;
+    disk->f_bfree = 768000;
+    disk->f_bavail = 256000;
+    return 0;
+}
+
 /// What the monitor tells about sticks.
 class tst_MediaMonitor_queries : public QObject {
     Q_OBJECT
@@ -22,6 +47,7 @@ private slots:
     void connectedDevice_isThatOfALink();
 
     void freeDiskSpace_countsFreeBlocksInWholeMegabytes();
+    void freeDiskSpace_includesTheBlocksKeptForRoot();
     void freeDiskSpaceOfMissingPath_isZero();
 
     void monitorInAWindow_isNeverShown();
@@ -96,6 +122,12 @@ void tst_MediaMonitor_queries::freeDiskSpace_countsFreeBlocksInWholeMegabytes()
     writeFile("/tmp/small/file", QByteArray(1, 'x'));
     QCOMPARE(monitor.freeDiskSpace("/tmp/small"), 8.0F);
     QCOMPARE(QProcess::execute("/usr/bin/umount", { "/tmp/small" }), 0);
+}
+
+void tst_MediaMonitor_queries::freeDiskSpace_includesTheBlocksKeptForRoot()
+{
+    const MediaMonitor monitor;
+    QCOMPARE(monitor.freeDiskSpace(reservingDisk), 3000.0F);
 }
 
 void tst_MediaMonitor_queries::freeDiskSpaceOfMissingPath_isZero()
