@@ -50,6 +50,7 @@ private slots:
     void cameraFrames();
     void everySmallSize();
     void rowsLongerThanOneSum();
+    void pictureBrighterThanOneSum();
     void singlePixelAnywhere();
     void everyMultipleThatMakesATie();
     void multipleThatIsNoNumber();
@@ -106,6 +107,15 @@ void tst_focus_bits::rowsLongerThanOneSum()
         verifySameBits(randomBlackAndWhite(width, 4, static_cast<std::uint64_t>(width)));
     }
     verifySameBits(uniform(3001, 1201, 255));
+}
+
+void tst_focus_bits::pictureBrighterThanOneSum()
+{
+    // All grey values together are more than 32 bits hold; they alone, and less every odd one.
+    const cv::Mat white = uniform(4200, 4100, 255);
+    for (const double alpha : { 0.0, 0.5 / 255.0 })
+        QVERIFY(sameBits(alg_autoFocus().neonTRILLOM(white, alpha, white.cols, white.rows),
+            focus_literal::neonTRILLOM(white, alpha, white.cols, white.rows)));
 }
 
 void tst_focus_bits::singlePixelAnywhere()
