@@ -134,15 +134,21 @@ void tst_qcmeasure::writeBeforeAnyMeasurement_storesTheRecordAsItStands()
 
 void tst_qcmeasure::write_takesTheMeasurementAndNotWhatIsShown()
 {
+    const QByteArray before = Desk::settings();
     QVERIFY(m_page->showMarks({ { 100, 300 }, { 1167, 300 } }));
     QVERIFY(m_page->measure({ 100, 300 }, { 1167, 300 }));
-    m_desk->widget<QLineEdit>("lineEdit_MAGNIFICATION")->setText("9.99");
-    m_desk->widget<QLineEdit>("lineEdit_VOLUME_FACTOR_1CH")->setText("9.99");
+    for (const char* edit :
+        { "lineEdit_MAGNIFICATION", "lineEdit_VOLUME_FACTOR", "lineEdit_VOLUME_FACTOR_1CH",
+            "lineEdit_VOLUME_FACTOR_2CH", "lineEdit_VOLUME_FACTOR_3CH", "lineEdit_VOLUME_FACTOR_8CH",
+            "lineEdit_VOLUME_FACTOR_PRISMA", "lineEdit_VOLUME_FACTOR_PRISMA_MAX" })
+        m_desk->widget<QLineEdit>(edit)->setText("9.99");
     QVERIFY(hand::type(m_desk->window(), "doubleSpinBox_VOLUME_OFFSET", "1.25"));
     QVERIFY(hand::click(m_desk->window(), "pushButton_MEASURE_WRITE"));
-    QVERIFY(Desk::settings().contains("\nMagnification=4.00\n"));
-    QVERIFY(Desk::settings().contains("\n1 Channel=197.00551\n"));
-    QVERIFY(Desk::settings().contains("\nVolume offset=1.25\n"));
+    QCOMPARE(Desk::settings(),
+        before
+            + "\n[TAVO-QR9]\nMagnification=4.00\nVolume factor=0.10800\nVolume offset=1.25\n"
+              "\n[Volume factor]\n1 Channel=197.00551\n2 Channel=771.60492\n3 Channel=771.60492\n"
+              "8 Channel=1851.85181\nPrisma=1851.85181\nPrisma Max=925.92590\n");
 }
 
 void tst_qcmeasure::volumeOffset_isStoredAtOnce()
