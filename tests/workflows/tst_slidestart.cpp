@@ -31,7 +31,11 @@ void tst_slidestart::editedStartPosition_countsAtTheNextMove_data()
     row("Validation", 5, "2 Channel=1000", "520", "1000");
     row("Prisma Max", 6, "Prisma=1000", "520", "1000");
     row("no number", 1, "2 Channel=abc", "-480", "0");
-    row("empty", 1, "2 Channel=", "30451", "30931");
+    row("1-Channel, empty", 0, "1 Channel=", "10373", "9893");
+    row("2-Channel, empty", 1, "2 Channel=", "30451", "30931");
+    row("3-Channel, empty", 2, "3 Channel=", "30985", "30505");
+    row("8-Channel, empty", 3, "8 Channel=", "37811", "38291");
+    row("Prisma Max, empty", 6, "Prisma=", "28100", "28580");
     row("beyond the range", 1, "2 Channel=-99999999999", "-2147483648", "-2147483648");
 }
 
