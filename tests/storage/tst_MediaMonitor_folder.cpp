@@ -44,6 +44,7 @@ private slots:
     void cleanup() { m_shelf.reset(); }
 
     void staleFoldersAndFiles_areRemoved();
+    void folderOfAStickUnmountedByHand_isRemoved();
     void linksInMedia_areRemovedAndNotFollowed();
     void linksInStaleFolders_areNotFollowed();
     void everythingOutsideMedia_staysAsItIs();
@@ -74,6 +75,17 @@ void tst_MediaMonitor_folder::staleFoldersAndFiles_areRemoved()
     QVERIFY(QDir("/media").mkdir("STICK (1)"));
     writeFile("/media/file", "x");
     const MediaMonitor monitor;
+    QCOMPARE(media(), QStringList());
+}
+
+void tst_MediaMonitor_folder::folderOfAStickUnmountedByHand_isRemoved()
+{
+    m_shelf->plug("/dev/sdb1", "1111-1111", "STICK");
+    MediaMonitor monitor;
+    monitor.mountAll();
+    QCOMPARE(QProcess::execute("umount", { "/dev/sdb1" }), 0);
+    QCOMPARE(media(), QStringList { "STICK" });
+    monitor.cleanUp();
     QCOMPARE(media(), QStringList());
 }
 
