@@ -17,6 +17,7 @@ private slots:
 
     void runStartedInGfp_focusesTheFirstFieldByTheFluorescenceMeasure();
     void offsetOf0_sendsBothMovesAndStaysPut();
+    void focusRunAfterwards_showsItsBoxAndLeavesTheStoredFrames();
     void debugOutput_asksForAFolderOnAllTwelveFields();
     void endOfTheChannel_waitsForAMoveByHand();
 
@@ -100,6 +101,24 @@ void tst_pixelshift_circumstances::offsetOf0_sendsBothMovesAndStaysPut()
         QCOMPARE(m_run->lastThrough(3, field).z, focus);
     }
     m_desk->widget<QLineEdit>("lineEdit_OFFSET_Z")->setText("3");
+}
+
+void tst_pixelshift_circumstances::focusRunAfterwards_showsItsBoxAndLeavesTheStoredFrames()
+{
+    std::vector<cv::Mat> before;
+    for (int field = 1; field <= ShiftRun::kFields; ++field)
+        before.push_back(m_desk->window().make_overlayImage(field, false));
+    const int logMark = m_desk->log.mark();
+    const int boxes = m_desk->boxes.boxes().size();
+    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_STAGE"));
+    QVERIFY(hand::click(m_desk->window(), "pushButton_AUTOFOCUS"));
+    QVERIFY(m_desk->boxes.waitForBoxes(boxes + 1, 60000));
+    QCOMPARE(m_desk->log.lines(logMark).filter(" val: ").size(), 15 + 7);
+    QCOMPARE(m_desk->log.lines(logMark).filter("slot_ImageGrabbed_pixelshift"), QStringList());
+    for (int field = 1; field <= ShiftRun::kFields; ++field)
+        QCOMPARE(cv::norm(m_desk->window().make_overlayImage(field, false),
+                     before[static_cast<std::size_t>(field - 1)], cv::NORM_INF),
+            0.0);
 }
 
 void tst_pixelshift_circumstances::debugOutput_asksForAFolderOnAllTwelveFields()
