@@ -182,8 +182,14 @@ void tst_zslope::slope_isStoredPerMillimetre()
     QVERIFY(m_desk->calibrate());
     QCOMPARE(SlopeDesk::stored("Z ref B1"), QByteArray::number(SlopeDesk::kFocus + slope));
     QCOMPARE(SlopeDesk::stored("Z ref slope"), text);
-    // The heights of the slides do not depend on it.
+    // The reference and the heights of the slides do not depend on it.
+    QCOMPARE(SlopeDesk::stored("Z ref A1"), QByteArray("30000"));
+    QCOMPARE(SlopeDesk::stored("Z reference"), QByteArray("30000"));
+    QCOMPARE(SlopeDesk::stored("Z ref 1ch"), QByteArray("29360"));
     QCOMPARE(SlopeDesk::stored("Z ref 2ch"), QByteArray("31920"));
+    QCOMPARE(SlopeDesk::stored("Z ref 3ch"), QByteArray("29360"));
+    QCOMPARE(SlopeDesk::stored("Z ref 8ch"), QByteArray("29360"));
+    QCOMPARE(SlopeDesk::stored("Z ref Validation"), QByteArray("30000"));
     QVERIFY(!Desk::settings().contains("slope=" + QByteArray::number(slope) + '\n'));
 }
 
