@@ -60,8 +60,15 @@ void tst_illumination::channel_bringsItsLight()
     QFETCH(QString, colour);
     QFETCH(int, led2);
     const int mark = m_desk->mark();
+    const int logMark = m_desk->log.mark();
     QVERIFY(click("pushButton_ILLUMINATION_" + channel));
     QCOMPARE(m_desk->linesSince(mark), lines);
+    if (!isArduCam()) { // whose source does not log the gain
+        const QStringList toCamera = m_desk->log.lines(logMark).filter("::setCurrent");
+        QCOMPARE(toCamera.size(), 2);
+        QVERIFY(toCamera[0].contains("::setCurrentGain("));
+        QVERIFY(toCamera[1].contains("::setCurrentExposure("));
+    }
     QTEST(m_desk->rig.state().value("filter").toInt(), "filter");
     for (const QString name : { "BF", "GFP", "RFP" })
         QCOMPARE(m_desk->style(qPrintable("pushButton_ILLUMINATION_" + name)),
@@ -186,7 +193,17 @@ void tst_illumination::toggle_switchesOffAndBringsTheStoredLevelBack()
     QCOMPARE(m_desk->linesSince(mark), QStringList({ on }));
     QVERIFY(m_desk->isEnabled("spinBox_LED1"));
     QCOMPARE(m_desk->isEnabled("spinBox_LED2"), channel == "BF");
+    // The boxes show the stored levels again, and a level that was stored meanwhile counts.
+    const int stored = on.section(' ', 2, 2).toInt();
+    QCOMPARE(box("spinBox_LED1"), stored);
     QCOMPARE(box("spinBox_LED2"), channel == "BF" ? 6 : 0);
+    Desk::putSettings("[Ch. " + channel.toLatin1() + "]\nLED=21\nLED1=21\n");
+    QVERIFY(click("pushButton_LED_TOGGLE"));
+    mark = m_desk->mark();
+    QVERIFY(click("pushButton_LED_TOGGLE"));
+    QString brighter = on;
+    QCOMPARE(m_desk->linesSince(mark), QStringList({ brighter.replace(QString(" %1").arg(stored), " 21") }));
+    QCOMPARE(box("spinBox_LED1"), 21);
 }
 
 void tst_illumination::cameraGetsTheExposureUnrounded()

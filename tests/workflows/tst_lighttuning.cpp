@@ -51,6 +51,10 @@ void tst_lighttuning::exposureOf0_isRefused()
     QCOMPARE(box("spinBox_EXPOSURE"), 62); // what was read, cut
     QCOMPARE(slider("horizontalSlider_EXPOSURE"), 62);
     QCOMPARE(exposureMs(62.0), 62.0);
+    QVERIFY(enter("spinBox_EXPOSURE", "1")); // the shortest one
+    QCOMPARE(box("spinBox_EXPOSURE"), 1);
+    QCOMPARE(slider("horizontalSlider_EXPOSURE"), 1);
+    QCOMPARE(exposureMs(1.0), 1.0);
 }
 
 void tst_lighttuning::ledBoxes_sendBothLevels_data()
