@@ -64,6 +64,8 @@ public slots:
     /// The whole way from nothing to a running camera: port search, bring-up, illumination, camera.
     void on_pushButton_CONNECT_clicked();
     void slot_finish_find_Controller(bool found, QString port);
+    /// Light off and X home (direct), camera stopped, window closed. During a search only when that has
+    /// ended.
     void on_pushButton_EXIT_clicked();
 
     // Replies of the board: MainWindow_protocol.cpp
@@ -465,6 +467,7 @@ private:
     int m_slide_motion = SLIDE_MOTION_NONE;
     bool m_bSerialChanged = false;
     bool m_bConnecting = false; ///< a connection sequence is under way: a second press does nothing
+    bool m_bLeaving = false; ///< the exit button was pressed: nothing is brought up any more
     float m_fps = 0.0F;
 
     ILLUMINATION_type m_illumination_type = ILLUMINATION_BF;

@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/acknowledge_box.h"
+#include "app/signal_wait.h"
 #include "app/styles.h"
 #include "camera/framedelivery.h"
 #include "link/Controller.h"
@@ -8,7 +9,6 @@
 #include "ui_MainWindow.h"
 
 #include <QDebug>
-#include <QEventLoop>
 #include <QMessageBox>
 #include <QProcess>
 #include <QThread>
@@ -38,10 +38,10 @@ void MainWindow::on_pushButton_CONNECT_clicked()
     ui->pushButton_CONNECT->setStyleSheet(styles::kBusy);
     setCursor(Qt::WaitCursor);
 
-    QEventLoop loop;
-    connect(this, &MainWindow::sig_finish_find_Controller, &loop, &QEventLoop::quit);
+    SignalWait searched(this, &MainWindow::sig_finish_find_Controller);
     connect_Controller();
-    loop.exec();
+    if (!searched.wait() || m_bLeaving)
+        return;
     qDebug() << Q_FUNC_INFO << "m_bConnected_Controller:" << text(m_bConnected_Controller);
 
     const bool bSuccess = bringUpUnit();
@@ -132,6 +132,14 @@ void MainWindow::check_CameraConnection()
 void MainWindow::on_pushButton_EXIT_clicked()
 {
     ui->pushButton_EXIT->setEnabled(false);
+    m_bLeaving = true;
+    // The port under trial need not be the board's, and a line that waits for its answer would wait there for
+    // ever: the search ends first, a second at most for each port.
+    if (m_pController->m_bSearching) {
+        SignalWait searched(this, &MainWindow::sig_finish_find_Controller);
+        if (!searched.wait())
+            return;
+    }
     if (m_bConnected_Controller) {
         off_illumination_LED();
         QThread::msleep(25);

@@ -2,10 +2,10 @@
 
 #include "app/settings.h"
 #include "app/settling.h"
+#include "app/signal_wait.h"
 #include "camera/framedelivery.h"
 #include "ui_MainWindow.h"
 
-#include <QEventLoop>
 #include <QMessageBox>
 #include <QTimer>
 
@@ -51,10 +51,10 @@ float slideFactor(float volumeFactor, int fields)
 void MainWindow::on_pushButton_QC_CAPTURE_clicked()
 {
     const int exposure = ui->spinBox_EXPOSURE->text().toInt();
-    QEventLoop loop;
-    connect(this, &MainWindow::sig_finish_QC_ImageGrabbed, &loop, &QEventLoop::quit);
+    SignalWait grabbed(this, &MainWindow::sig_finish_QC_ImageGrabbed);
     QTimer::singleShot(exposure + kStillSettlingMs, this, SLOT(slot_QC_ImageGrabbed()));
-    loop.exec();
+    if (!grabbed.wait())
+        return;
 
     ui->BASLER_VIDEO_WIDGET->hide();
     ui->CAPTURE_IMAGE_WIDGET->show();

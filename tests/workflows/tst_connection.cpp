@@ -26,10 +26,14 @@ private slots:
     void failedInitialize_canBeRepeatedByTheButton();
     void failedSecondConnection_closesTheTabsAgain();
     void exit_switchesOffHomesAndCloses();
+    void exitDuringASearch_goesHomeOnceAndBringsNothingUp();
+    void exitDuringASearchInVain_sendsNothing();
     void exitWithChangedSerial_restartsAfterOk();
     void exitWithChangedSerial_closedBoxDoesNotRestart();
 
 private:
+    bool leaveDuringASearch();
+
     std::unique_ptr<Desk> m_desk;
 };
 
@@ -265,6 +269,39 @@ void tst_connection::exit_switchesOffHomesAndCloses()
     QVERIFY(m_desk->log.contains("!!!!!!!!!!!!!!!!!!!!!!RESTART"));
     QVERIFY(m_desk->boxes.boxes().isEmpty());
     QCOMPARE(callsOfSystemctl(), QByteArray());
+}
+
+/// Presses CONNECT, and EXIT while the search is under way; true when that ended the program's event loop.
+bool tst_connection::leaveDuringASearch()
+{
+    int presses = 0;
+    DuringSearch leave(*m_desk, [&] { presses += hand::click(m_desk->window(), "pushButton_EXIT"); });
+    patience::later(0, this, [&] { presses += hand::click(m_desk->window(), "pushButton_CONNECT"); });
+    // As in the program, the end of the window ends the application's loop and all that run in it.
+    patience::later(patience::limit(20000), &m_desk->window(), [] { QCoreApplication::exit(1); });
+    return QCoreApplication::exec() == 0 && presses == 2 && !m_desk->window().isVisible();
+}
+
+void tst_connection::exitDuringASearch_goesHomeOnceAndBringsNothingUp()
+{
+    QVERIFY(m_desk->connectUnit());
+    const int mark = m_desk->rig.mark();
+    const int logMark = m_desk->log.mark();
+    QVERIFY(leaveDuringASearch());
+    QCOMPARE(m_desk->rig.sentSince(mark), QStringList({ "$A#VER", "$A#LED OFF1", "$X#STAGE ORIGIN" }));
+    QVERIFY(!m_desk->log.contains("CAMERA connected...", logMark));
+    QVERIFY(m_desk->boxes.boxes().isEmpty());
+}
+
+/// The port under trial is not the board's then: a line that waits for its answer would wait for ever.
+void tst_connection::exitDuringASearchInVain_sendsNothing()
+{
+    QVERIFY(m_desk->connectUnit());
+    QVERIFY(m_desk->rig.fault("silent"));
+    const int mark = m_desk->rig.mark();
+    QVERIFY(leaveDuringASearch());
+    QCOMPARE(m_desk->rig.sentSince(mark), QStringList({ "$A#VER" }));
+    QCOMPARE(m_desk->boxes.texts(), QStringList({ "COM Port [Controller] not find !!!" }));
 }
 
 void tst_connection::exitWithChangedSerial_closedBoxDoesNotRestart()

@@ -22,6 +22,7 @@ private slots:
     void newCapture_leavesThePictureInTargetingMode();
     void captureWhileTargeting_leavesTheFiveWidgetsEnabled();
     void frameThatNeverComes_leavesTheLastPicture();
+    void exitDuringACapture_takesNoPicture();
 
 private:
     std::unique_ptr<Desk> m_desk;
@@ -143,6 +144,24 @@ void tst_qc::frameThatNeverComes_leavesTheLastPicture()
     QVERIFY(hand::click(m_desk->window(), "pushButton_QC_LIVE"));
     QVERIFY(m_page->capture());
     QCOMPARE(m_page->still(), last);
+}
+
+void tst_qc::exitDuringACapture_takesNoPicture()
+{
+    m_desk->widget<QSpinBox>("spinBox_EXPOSURE")->setValue(400);
+    const int mark = m_desk->rig.mark();
+    int presses = 0;
+    patience::later(0, this, [&] {
+        patience::later(50, this, [&] { presses += hand::click(m_desk->window(), "pushButton_EXIT"); });
+        presses += hand::click(m_desk->window(), "pushButton_QC_CAPTURE");
+    });
+    // As in the program, the end of the window ends the application's loop and all that run in it.
+    patience::later(patience::limit(20000), &m_desk->window(), [] { QCoreApplication::exit(1); });
+    QCOMPARE(QCoreApplication::exec(), 0);
+    QCOMPARE(presses, 2);
+    QCOMPARE(m_desk->rig.sentSince(mark), QStringList({ "$A#LED OFF1", "$X#STAGE ORIGIN" }));
+    QCOMPARE(m_page->pictures(), QStringList({ "BASLER_VIDEO_WIDGET" }));
+    QCOMPARE(m_page->enabled(), QString("C"));
 }
 
 WORKFLOW_MAIN(tst_qc)
