@@ -2,6 +2,7 @@
 
 #include "app/int_range.h"
 #include "app/settings.h"
+#include "app/slide_geometry.h"
 #include "link/Controller.h"
 #include "ui_MainWindow.h"
 
@@ -12,9 +13,6 @@
 #include <cstdio>
 
 namespace {
-
-constexpr double kDistanceMm = 39.0; ///< of the fields A1 and B1 along X
-constexpr int kDistanceSteps = 20799; ///< the same in X motor steps
 
 // Heights of the slide types above field A1 of the 2-channel slide; the same for every instrument.
 constexpr double kHeight1Ch = -640.0;
@@ -56,7 +54,7 @@ void MainWindow::on_pushButton_REFERENCE_Z_SLOPE_clicked()
     if (!focusAt(m_slide_start_2ch))
         return;
     m_z_slope_stage = Z_SLOPE_B1;
-    if (!focusAt(withinInt(std::int64_t { m_slide_start_2ch } - kDistanceSteps)))
+    if (!focusAt(withinInt(std::int64_t { m_slide_start_2ch } - kChannelPitchX2Ch)))
         return;
     m_z_slope_stage = Z_SLOPE_NONE;
 
@@ -98,7 +96,7 @@ void MainWindow::recordZSlope(int bestPosition)
     } else if (m_z_slope_stage == Z_SLOPE_B1) {
         m_z_slope_cal.pos_B1 = bestPosition;
         m_z_slope_cal.slope = bestPosition - m_z_slope_cal.pos_A1;
-        m_z_slope_cal.slope_per_mm = static_cast<float>(m_z_slope_cal.slope / kDistanceMm);
+        m_z_slope_cal.slope_per_mm = static_cast<float>(m_z_slope_cal.slope / kChannelPitchMm2Ch);
     }
 }
 

@@ -7,6 +7,12 @@
 
 namespace {
 
+// The same of the other slides of several channels.
+constexpr int kChannelPitchX3Ch = 12346;
+constexpr double kChannelPitchMm3Ch = 23.15;
+constexpr int kChannelPitchX8Ch = 4800;
+constexpr double kChannelPitchMm8Ch = 9.0;
+
 constexpr SlideHeight kHeight1Ch = { "Z ref 1ch", false, nullptr, nullptr, 0 };
 constexpr SlideHeight kHeight2Ch = { "Z ref 2ch", true, nullptr, nullptr, 0 };
 constexpr SlideHeight kHeight3Ch = { "Z ref 3ch", true, nullptr, nullptr, 0 };
@@ -17,9 +23,9 @@ constexpr SlideHeight kHeightPrismaMax = { "Z ref 2ch", true, "Prisma offset", "
 
 constexpr SlideGeometry kSlides[] = {
     { SLIDE_1CH, 1, 400, SlideStart::Channel1, 0, 0.0, 46, kHeight1Ch },
-    { SLIDE_2CH, 2, 200, SlideStart::Channel2, 20799, 39.0, 11, kHeight2Ch },
-    { SLIDE_3CH, 3, 133, SlideStart::Channel3, 12346, 23.15, 11, kHeight3Ch },
-    { SLIDE_8CH, 8, 50, SlideStart::Channel8, 4800, 9.0, 4, kHeight8Ch },
+    { SLIDE_2CH, 2, 200, SlideStart::Channel2, kChannelPitchX2Ch, kChannelPitchMm2Ch, 11, kHeight2Ch },
+    { SLIDE_3CH, 3, 133, SlideStart::Channel3, kChannelPitchX3Ch, kChannelPitchMm3Ch, 11, kHeight3Ch },
+    { SLIDE_8CH, 8, 50, SlideStart::Channel8, kChannelPitchX8Ch, kChannelPitchMm8Ch, 4, kHeight8Ch },
     { SLIDE_REUSABLE, 1, 200, SlideStart::Channel2, 0, 0.0, 11, kHeightReusable },
     { SLIDE_VALIDATION, 1, 200, SlideStart::Channel2, 0, 0.0, 11, kHeightValidation },
     { SLIDE_PRISMA_MAX, 1, 200, SlideStart::Prisma, 0, 0.0, 4, kHeightPrismaMax },
@@ -42,25 +48,25 @@ constexpr int kPitch = kFieldPitchX;
 // The limit is the first index at which a press does nothing.
 constexpr FieldMoveRow kMovesNext[] = {
     { SLIDE_1CH, Channel::Any, { +1, 46, kNext, 0, +kPitch, false } },
-    { SLIDE_2CH, Channel::Further, { -1, 0, kNext, 20799, +kPitch, false } },
-    { SLIDE_2CH, Channel::First, { +1, 11, kNext, 20799, -kPitch, false } },
-    { SLIDE_3CH, Channel::Further, { -1, 0, kNext, 12346, +kPitch, false } },
+    { SLIDE_2CH, Channel::Further, { -1, 0, kNext, kChannelPitchX2Ch, +kPitch, false } },
+    { SLIDE_2CH, Channel::First, { +1, 11, kNext, kChannelPitchX2Ch, -kPitch, false } },
+    { SLIDE_3CH, Channel::Further, { -1, 0, kNext, kChannelPitchX3Ch, +kPitch, false } },
     { SLIDE_3CH, Channel::First, { -1, -1, kNext, 0, +kPitch, true } },
-    { SLIDE_8CH, Channel::Any, { +1, 4, kNext, 4800, -kPitch, false } },
-    { SLIDE_REUSABLE, Channel::Any, { +1, 11, kNext, 20799, -kPitch, false } },
-    { SLIDE_VALIDATION, Channel::Any, { +1, 11, kNext, 20799, -kPitch, false } },
+    { SLIDE_8CH, Channel::Any, { +1, 4, kNext, kChannelPitchX8Ch, -kPitch, false } },
+    { SLIDE_REUSABLE, Channel::Any, { +1, 11, kNext, kChannelPitchX2Ch, -kPitch, false } },
+    { SLIDE_VALIDATION, Channel::Any, { +1, 11, kNext, kChannelPitchX2Ch, -kPitch, false } },
     { SLIDE_PRISMA_MAX, Channel::Any, { +1, 4, kNext, 0, -kPitch, false } },
 };
 
 constexpr FieldMoveRow kMovesPrev[] = {
     { SLIDE_1CH, Channel::Any, { -1, -1, kPrev, 0, +kPitch, true } },
-    { SLIDE_2CH, Channel::Further, { +1, 11, kNext, 20799, +kPitch, false } },
-    { SLIDE_2CH, Channel::First, { -1, -1, kPrev, 20799, -kPitch, true } },
-    { SLIDE_3CH, Channel::Any, { +1, 11, kNext, 12346, +kPitch, false } },
-    { SLIDE_8CH, Channel::Further, { -1, 0, kPrev, 4800, -kPitch, false } },
-    { SLIDE_8CH, Channel::First, { -1, -1, kPrev, 4800, -kPitch, true } },
-    { SLIDE_REUSABLE, Channel::Any, { -1, -1, kPrev, 20799, -kPitch, true } },
-    { SLIDE_VALIDATION, Channel::Any, { -1, -1, kPrev, 20799, -kPitch, true } },
+    { SLIDE_2CH, Channel::Further, { +1, 11, kNext, kChannelPitchX2Ch, +kPitch, false } },
+    { SLIDE_2CH, Channel::First, { -1, -1, kPrev, kChannelPitchX2Ch, -kPitch, true } },
+    { SLIDE_3CH, Channel::Any, { +1, 11, kNext, kChannelPitchX3Ch, +kPitch, false } },
+    { SLIDE_8CH, Channel::Further, { -1, 0, kPrev, kChannelPitchX8Ch, -kPitch, false } },
+    { SLIDE_8CH, Channel::First, { -1, -1, kPrev, kChannelPitchX8Ch, -kPitch, true } },
+    { SLIDE_REUSABLE, Channel::Any, { -1, -1, kPrev, kChannelPitchX2Ch, -kPitch, true } },
+    { SLIDE_VALIDATION, Channel::Any, { -1, -1, kPrev, kChannelPitchX2Ch, -kPitch, true } },
     { SLIDE_PRISMA_MAX, Channel::Any, { -1, -1, kPrev, 0, -kPitch, true } },
 };
 

@@ -21,6 +21,11 @@ enum SlideMotion : int {
 /// Distance of two fields along X on every slide type, in motor steps.
 constexpr int kFieldPitchX = 480;
 
+/// Distance of the two channels of a 2-channel slide along X, from field A1 to field B1: in motor steps and,
+/// for the slope of the carrier, in mm.
+constexpr int kChannelPitchX2Ch = 20799;
+constexpr double kChannelPitchMm2Ch = 39.0;
+
 /// Which stored X start position a slide type uses.
 enum class SlideStart { Channel1, Channel2, Channel3, Channel8, Prisma };
 

@@ -18,10 +18,6 @@ namespace {
 /// The overview is the frame divided by this, 100 pixels wide for the camera's frame.
 constexpr double OVERVIEW_DIVISOR = 12.8;
 
-/// Green square around the search position, from 20 pixels before to 19 behind it.
-constexpr int SQUARE_BEFORE = 20;
-constexpr int SQUARE_SPAN = 39;
-
 /// Whole pixel of an event, halves away from zero on either side of it (QPointF::toPoint() rounds those below
 /// zero up).
 QPoint wholePixel(const QMouseEvent* event)
@@ -148,8 +144,10 @@ void CAPTURE_ImageWidget::paintEvent(QPaintEvent*)
     }
     if (m_targeting_mode && m_cursor_set) {
         painter.setPen(Qt::green);
-        painter.drawRect(m_cursor_x - m_view_x - SQUARE_BEFORE, m_cursor_y - m_view_y - SQUARE_BEFORE,
-            SQUARE_SPAN, SQUARE_SPAN);
+        // The outline is the outermost pixels of what is searched.
+        painter.drawRect(m_cursor_x - m_view_x - targetmark::kSearchBefore,
+            m_cursor_y - m_view_y - targetmark::kSearchBefore, targetmark::kSearchSize - 1,
+            targetmark::kSearchSize - 1);
     }
 }
 

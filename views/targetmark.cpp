@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr int WINDOW_HALF = 20;
-constexpr int WINDOW_SIZE = 40;
 constexpr double DARK_LIMIT = 95.0;
 constexpr double WHITE = 255.0;
 constexpr int CROSS_REACH = 15;
@@ -16,7 +14,7 @@ constexpr double LABEL_SCALE = 0.35;
 
 cv::Rect targetmark::searchWindow(cv::Point position, cv::Size frame)
 {
-    const cv::Rect window(position.x - WINDOW_HALF, position.y - WINDOW_HALF, WINDOW_SIZE, WINDOW_SIZE);
+    const cv::Rect window(position.x - kSearchBefore, position.y - kSearchBefore, kSearchSize, kSearchSize);
     return window & cv::Rect(cv::Point(), frame);
 }
 

@@ -10,8 +10,12 @@ namespace targetmark {
 
 using Contours = std::vector<std::vector<cv::Point>>;
 
-/// The part of a frame in which a mark is searched: 40 by 40 pixels from 20 before to 19 behind `position`,
-/// less what would lie outside the frame. Empty when the position is so far outside that nothing is left.
+/// The square around a search position in which a mark is searched, in pixels; the still image shows it.
+constexpr int kSearchBefore = 20; ///< left edge before the position, and upper edge above it
+constexpr int kSearchSize = 40;
+
+/// The part of a frame in which a mark is searched: the square around `position`, less what would lie outside
+/// the frame. Empty when the position is so far outside that nothing is left.
 cv::Rect searchWindow(cv::Point position, cv::Size frame);
 
 /// Outer contours of what is dark (grey value up to 95) in `window` of the CV_8UC1 frame `source`, in
