@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/best_sample.h"
+#include "app/int_range.h"
 #include "app/settling.h"
 #include "app/signal_wait.h"
 #include "camera/framedelivery.h"
@@ -12,6 +13,7 @@
 #include <QMessageBox>
 #include <QTimer>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -67,7 +69,7 @@ void MainWindow::prepareAutoFocusing_Step1()
 
 void MainWindow::prepareAutoFocusing_Step2()
 {
-    m_autofocusFineStart = m_AutofocusingRef + kAutofocusSteps[1].startOffset;
+    m_autofocusFineStart = withinInt(std::int64_t { m_AutofocusingRef } + kAutofocusSteps[1].startOffset);
     prepareScan(kAutofocusSteps[1]);
 }
 
@@ -99,7 +101,7 @@ void MainWindow::prepareScan(const AutofocusStep& step)
     m_autofocusState = step.toStart;
     m_autofocusCount = 0;
     m_autoFocus.m_samples.clear();
-    setUpMoveZ(readPositionZ(), m_AutofocusingRef + step.startOffset);
+    setUpMoveZ(readPositionZ(), withinInt(std::int64_t { m_AutofocusingRef } + step.startOffset));
     m_strCommand = "$Z#STAGE RUN\n";
     m_pController->write_command(m_strCommand);
 }
@@ -142,12 +144,12 @@ void MainWindow::sendSettingZ(const QString& command)
 
 int MainWindow::setUpMoveZ(int from, int to)
 {
-    const int distance = std::abs(from - to);
+    const int distance = withinInt(std::abs(std::int64_t { to } - from));
     const bool bUp = from < to;
     ui->lineEdit_POSITION_Z->setText(QString::number(from));
     sendSettingZ(QString("$Z#STAGE STEP %1\n").arg(distance));
     sendSettingZ(QString("$Z#STAGE DIR %1\n").arg(bUp ? "PLUS" : "MINUS"));
-    const int target = bUp ? from + distance : from - distance;
+    const int target = withinInt(std::int64_t { from } + (bUp ? distance : -distance));
     ui->lineEdit_POSITION_Z->setText(QString::number(target));
     return target;
 }

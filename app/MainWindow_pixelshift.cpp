@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/int_range.h"
 #include "app/settings.h"
 #include "app/settling.h"
 #include "app/signal_wait.h"
@@ -14,6 +15,8 @@
 #include <QElapsedTimer>
 #include <QMessageBox>
 #include <QTimer>
+
+#include <cstdint>
 
 namespace {
 
@@ -120,7 +123,8 @@ void MainWindow::moveZForFluorescence(const char* logText, int zOffset, int sign
     m_strCommand = "$Z#STAGE POS\n";
     const int position = m_pController->direct_read(m_strCommand).split("#").value(3).toInt();
     qDebug() << logText << zOffset;
-    m_strCommand = QString("$Z#STAGE ABS %1\n").arg(position + sign * zOffset * kFineStep);
+    const int target = withinInt(position + std::int64_t { sign } * zOffset * kFineStep);
+    m_strCommand = QString("$Z#STAGE ABS %1\n").arg(target);
     m_pController->direct_read(m_strCommand);
 }
 

@@ -95,7 +95,7 @@ void MainWindow::recordZSlope(int bestPosition)
         m_z_slope_cal.pos_A1 = bestPosition;
     } else if (m_z_slope_stage == Z_SLOPE_B1) {
         m_z_slope_cal.pos_B1 = bestPosition;
-        m_z_slope_cal.slope = bestPosition - m_z_slope_cal.pos_A1;
+        m_z_slope_cal.slope = withinInt(std::int64_t { bestPosition } - m_z_slope_cal.pos_A1);
         m_z_slope_cal.slope_per_mm = static_cast<float>(m_z_slope_cal.slope / kChannelPitchMm2Ch);
     }
 }

@@ -21,6 +21,7 @@ private slots:
     void silentRun_showsNoBox();
     void everyRun_startsFromTheStoredReference();
     void stageAtTheStart_isSentAStepOf0Down();
+    void referenceBeyondEveryAxis_isSearchedForAtTheUpperEnd();
     void staleReply_isThrownAwayAndTheCommandSentAgain();
     void emptyReplyAtTheBeginningOfAScan_goesToTheLastStep();
     void emptyReplyAtTheLastStep_isRepeated();
@@ -197,6 +198,16 @@ void tst_autofocus::stageAtTheStart_isSentAStepOf0Down()
     m_desk->window().pushButton_AUTOFOCUS_clicked(false);
     QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
     QCOMPARE(m_desk->rig.sentSince(mark).mid(0, 4), QStringList({ kPos, step(0), direction("MINUS"), kRun }));
+}
+
+/// Of a damaged settings file. The start above it must not come round to the other end of the axis.
+void tst_autofocus::referenceBeyondEveryAxis_isSearchedForAtTheUpperEnd()
+{
+    m_desk->widget<QLineEdit>("lineEdit_REFERENCE_AUTOFOCUS")->setText("2147483647");
+    const int mark = m_desk->rig.mark();
+    QVERIFY(run());
+    QCOMPARE(m_desk->rig.sentSince(mark).mid(0, 4),
+        QStringList({ kPos, step(2147483647 - 32000), direction("PLUS"), kRun }));
 }
 
 void tst_autofocus::staleReply_isThrownAwayAndTheCommandSentAgain()

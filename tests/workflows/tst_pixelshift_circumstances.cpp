@@ -19,6 +19,7 @@ private slots:
     void offsetOf0_sendsBothMovesAndStaysPut();
     void focusRunAfterwards_showsItsBoxAndLeavesTheStoredFrames();
     void debugOutput_asksForAFolderOnAllTwelveFields();
+    void offsetBeyondEveryAxis_endsAtTheEndsOfTheRange();
     void endOfTheChannel_waitsForAMoveByHand();
 
 private:
@@ -126,6 +127,7 @@ void tst_pixelshift_circumstances::debugOutput_asksForAFolderOnAllTwelveFields()
     QVERIFY(m_run->goToFirstField());
     auto* debug = m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG");
     debug->setChecked(true);
+    m_desk->widget<QLineEdit>("lineEdit_OFFSET_Z")->setText("30000000"); // the next test looks at its moves
     for (int field = 1; field <= ShiftRun::kFields; ++field)
         m_desk->boxes.handleNext([](QDialog& dialog) { dialog.reject(); });
     QVERIFY(m_run->run());
@@ -135,6 +137,18 @@ void tst_pixelshift_circumstances::debugOutput_asksForAFolderOnAllTwelveFields()
     for (int field = 1; field <= ShiftRun::kFields; ++field)
         QCOMPARE(boxes[field - 1].className, QString("QFileDialog"));
     QCOMPARE(boxes.last().text, QString("finish calculate pixel shift !"));
+}
+
+void tst_pixelshift_circumstances::offsetBeyondEveryAxis_endsAtTheEndsOfTheRange()
+{
+    // The run before was made with it: 115 times the offset is more than 32 bits hold.
+    const QStringList moves = m_run->sent().filter("$Z#STAGE ABS ");
+    QCOMPARE(moves.size(), 3 * ShiftRun::kFields + 1);
+    for (int field = 1; field <= ShiftRun::kFields; ++field) {
+        QCOMPARE(moves[3 * field - 2], QString("$Z#STAGE ABS 2147483647"));
+        QCOMPARE(moves[3 * field - 1], QString("$Z#STAGE ABS -2147483648"));
+    }
+    m_desk->widget<QLineEdit>("lineEdit_OFFSET_Z")->setText("3");
 }
 
 void tst_pixelshift_circumstances::endOfTheChannel_waitsForAMoveByHand()
