@@ -25,6 +25,18 @@ QString valueText(const std::string& value)
     return isUtf8 ? text : widened(value);
 }
 
+/// Defaults that stand in for a unit's calibration must not come without a word. A damaged file is told once,
+/// as long as it stays as it is.
+void logTrouble(const QSettings& settings, const QString& key)
+{
+    if (settings.status() == QSettings::NoError) {
+        return;
+    }
+    const bool isDamaged = settings.status() == QSettings::FormatError;
+    qDebug() << "[Error] : " << (isDamaged ? "settings damaged" : "settings cannot be read")
+             << settings.fileName() << settings.group() << key;
+}
+
 } // namespace
 
 int ini_read(
@@ -33,6 +45,7 @@ int ini_read(
     QSettings settings(widened(file), QSettings::NativeFormat);
     settings.beginGroup(widened(group));
     const QString text = settings.value(widened(key)).toStringList().join(", ");
+    logTrouble(settings, widened(key));
     settings.endGroup();
 
     if (text.isEmpty()) {

@@ -12,7 +12,7 @@
 /// Gives the value of the key, or defaultValue when the key is missing or empty, or the file cannot be read.
 /// A value that the file has as a list of words ("a, b" without quotation marks) comes back as one text
 /// joined by ", ". Returns 1 when the key was found with a non-empty value, otherwise 0. Never creates or
-/// changes a file.
+/// changes a file. A file that cannot be read, and one with lines that are no settings, is logged.
 int ini_read(
     std::string group, std::string key, std::string defaultValue, std::string& value, std::string file);
 

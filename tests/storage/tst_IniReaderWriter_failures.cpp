@@ -3,6 +3,7 @@
 #include "storage/IniReaderWriter.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <csignal>
@@ -54,6 +55,7 @@ private slots:
     void readOnlyFile_losesNothingAndStoresNothingLater();
     void unreadableFile_yieldsTheDefaultAndIsNotOverwritten();
     void fileThatCanOnlyBeWritten_isNotOverwritten();
+    void damagedLine_isLoggedAndTheOthersAreRead();
     void diskThatRunsFullAtAnyByte_losesNothingAndStoresNothingLater();
 
 private:
@@ -155,6 +157,7 @@ void tst_IniReaderWriter_failures::unreadableFile_yieldsTheDefaultAndIsNotOverwr
     {
         const OrdinaryUser user;
         QVERIFY(user.isGood());
+        QTest::ignoreMessage(QtDebugMsg, QRegularExpression("settings cannot be read.*\"Group\" \"key\""));
         QCOMPARE(m_settings->valueOf("Group", "key"), SettingsFolder::noValue);
         ini_write("Group", "new", "value of a failed write", m_settings->path());
     }
@@ -177,6 +180,14 @@ void tst_IniReaderWriter_failures::fileThatCanOnlyBeWritten_isNotOverwritten()
     }
     QCOMPARE(chmod(m_settings->path().c_str(), 0644), 0);
     compareUnchangedAfterFailedWrite(before);
+}
+
+void tst_IniReaderWriter_failures::damagedLine_isLoggedAndTheOthersAreRead()
+{
+    m_settings->put("[Group]\nkey=old\nno setting at all\nother=1\n");
+    QTest::ignoreMessage(QtDebugMsg, QRegularExpression("settings damaged.*TAVO_QR9\\.ini"));
+    QCOMPARE(m_settings->valueOf("Group", "key"), std::string("old"));
+    QCOMPARE(m_settings->valueOf("Group", "other"), std::string("1"));
 }
 
 void tst_IniReaderWriter_failures::diskThatRunsFullAtAnyByte_losesNothingAndStoresNothingLater()

@@ -260,6 +260,7 @@ void tst_bringup::folderInPlaceOfTheFile_losesNothingAndComesUp()
         Desk desk;
         QVERIFY(desk.connectUnit());
         QCOMPARE(firstDifference(desk, kDefaults), QString());
+        QVERIFY(desk.log.contains("settings cannot be read"));
     }
     QVERIFY(QDir().rmdir("/root/TAVO_QR9/TAVO_QR9.ini"));
 }

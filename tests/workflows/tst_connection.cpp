@@ -165,6 +165,7 @@ void tst_connection::withoutSettings_theFileHoldsOnlyWhatTheConnectionWrites()
     const QByteArray firmware = m_desk->rig.truth().value("firmware").toString().toUtf8();
     QCOMPARE(Desk::settings(),
         QByteArray("[Calibration]\nPrisma offset=0\n\n[Software]\nVersion FW=" + firmware + "\n"));
+    QVERIFY(!m_desk->log.contains("settings cannot be read"));
 }
 
 void tst_connection::secondPress_runsTheWholeSequenceAgain()
