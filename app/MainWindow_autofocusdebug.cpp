@@ -9,8 +9,6 @@
 namespace {
 
 constexpr unsigned long kMaxTableRows = 100;
-constexpr unsigned short kCompressionLzw = 5;
-constexpr unsigned short kPhotometricMinIsBlack = 1;
 
 } // namespace
 
@@ -33,7 +31,7 @@ void MainWindow::saveDebugFrame(const AutofocusStep& step, int width, int height
     std::string description;
     general::ImReaderWriter writer;
     writer.load(m_pImageBuffer, static_cast<unsigned>(width), static_cast<unsigned>(height), 8, 1,
-        kCompressionLzw, kPhotometricMinIsBlack);
+        general::kCompressionLzw, general::kPhotometricMinIsBlack);
     if (!writer.write(file, description))
         qDebug() << Q_FUNC_INFO << "save fail" << file.c_str();
 }

@@ -14,13 +14,6 @@
 #include <QMessageBox>
 #include <QTimer>
 
-namespace {
-
-constexpr unsigned short kCompressionLzw = 5;
-constexpr unsigned short kPhotometricRgb = 2;
-
-} // namespace
-
 void MainWindow::on_pushButton_CAPTURE_clicked()
 {
     // A stick that was plugged in since the last look is mounted afresh.
@@ -80,8 +73,8 @@ void MainWindow::save_ImageGrabbed(unsigned char* pixels, int width, int height)
     std::string name = m_save_file_name.toStdString();
     std::string description;
     general::ImReaderWriter writer;
-    writer.load(pixels, static_cast<unsigned>(width), static_cast<unsigned>(height), 8, 3, kCompressionLzw,
-        kPhotometricRgb);
+    writer.load(pixels, static_cast<unsigned>(width), static_cast<unsigned>(height), 8, 3,
+        general::kCompressionLzw, general::kPhotometricRgb);
     if (writer.write(name, description))
         qDebug() << "[save_grabImage] save done";
     else

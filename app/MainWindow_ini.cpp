@@ -3,8 +3,6 @@
 #include "app/settings.h"
 #include "ui_MainWindow.h"
 
-#include <cstdlib>
-
 namespace {
 
 void setOption(QRadioButton* yes, QRadioButton* no, const char* key)

@@ -15,6 +15,11 @@ enum IMAGE_type {
     IMAGE_RAW = 4, ///< "raw": bare samples of 1280 by 1024 pixels, 8 or 16 bits each, told by the file's size
 };
 
+/// TIFF codes of how an image is packed and what its samples mean, as far as the instrument uses them.
+constexpr unsigned short kCompressionLzw = 5;
+constexpr unsigned short kPhotometricMinIsBlack = 1; ///< grey
+constexpr unsigned short kPhotometricRgb = 2;
+
 /// One raster image in memory and its way to and from files. Rows follow each other without padding, the
 /// samples of a pixel stand side by side.
 ///
@@ -31,7 +36,7 @@ public:
     ImReaderWriter& operator=(const ImReaderWriter&) = delete;
 
     /// Copies width x height pixels of samplesPerPixel (1 to 3) samples of 8 bits; anything else is refused
-    /// and the image held before stays. compression and photometric are TIFF values (5 LZW; 1 grey, 2 RGB).
+    /// and the image held before stays. compression and photometric are TIFF codes, see above.
     void load(void* data, unsigned width, unsigned height, unsigned short bitsPerSample,
         unsigned short samplesPerPixel, unsigned short compression, unsigned short photometric);
     /// The 16-bit buffer for 16, otherwise the byte buffer; null where there is none. Stays owned by the
