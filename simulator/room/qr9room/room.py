@@ -127,7 +127,8 @@ class Room:
             if (self.rig / name).exists():
                 shutil.copyfile(self.rig / name, folder / name)
         for ini in self.home.glob("*.ini"):
-            shutil.copyfile(ini, folder / ini.name)
+            if ini.is_file():  # a test may have put something else there
+                shutil.copyfile(ini, folder / ini.name)
         shutil.copytree(self.rig / "evidence", folder, dirs_exist_ok=True)
         if any((self.rig / "stick").iterdir()):
             shutil.copytree(self.rig / "stick", folder / "stick", dirs_exist_ok=True)
