@@ -1,4 +1,4 @@
-#include "tests/workflows/QcPage.h"
+#include "tests/workflows/QcTest.h"
 
 #include <QCheckBox>
 #include <QElapsedTimer>
@@ -7,13 +7,10 @@
 #include <cmath>
 
 /// The QC page between live and captured picture. The unit magnifies exactly fourfold.
-class tst_qc : public QObject {
+class tst_qc : public QcTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void atTheStart_thePageIsLiveAndShowsTheStoredValues();
     void capture_waitsOneExposureAnd250ms();
     void capture_showsTheStillPicture();
@@ -23,10 +20,6 @@ private slots:
     void captureWhileTargeting_leavesTheFiveWidgetsEnabled();
     void frameThatNeverComes_leavesTheLastPicture();
     void exitDuringACapture_takesNoPicture();
-
-private:
-    std::unique_ptr<Desk> m_desk;
-    std::unique_ptr<QcPage> m_page;
 };
 
 namespace {
@@ -43,19 +36,6 @@ double meanDifference(const QImage& a, const QImage& b)
 }
 
 } // namespace
-
-void tst_qc::init()
-{
-    m_desk.reset(new Desk);
-    QVERIFY(QcPage::open(*m_desk));
-    m_page.reset(new QcPage(*m_desk));
-}
-
-void tst_qc::cleanup()
-{
-    m_page.reset();
-    m_desk.reset();
-}
 
 void tst_qc::atTheStart_thePageIsLiveAndShowsTheStoredValues()
 {

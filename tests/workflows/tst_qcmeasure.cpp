@@ -1,14 +1,11 @@
-#include "tests/workflows/QcPage.h"
+#include "tests/workflows/QcTest.h"
 #include "tests/workflows/SettingsWrites.h"
 
 /// What the QC page makes of two points, shows and stores. The unit magnifies exactly fourfold.
-class tst_qcmeasure : public QObject {
+class tst_qcmeasure : public QcTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void measurement_showsSinglePrecision_data();
     void measurement_showsSinglePrecision();
     void measureWithoutPoints_showsWhatComesOut();
@@ -19,24 +16,7 @@ private slots:
     void write_takesTheMeasurementAndNotWhatIsShown();
     void volumeOffset_isStoredAtOnce();
     void textInTheOffsetBox_leavesTheOffset();
-
-private:
-    std::unique_ptr<Desk> m_desk;
-    std::unique_ptr<QcPage> m_page;
 };
-
-void tst_qcmeasure::init()
-{
-    m_desk.reset(new Desk);
-    QVERIFY(QcPage::open(*m_desk));
-    m_page.reset(new QcPage(*m_desk));
-}
-
-void tst_qcmeasure::cleanup()
-{
-    m_page.reset();
-    m_desk.reset();
-}
 
 void tst_qcmeasure::measurement_showsSinglePrecision_data()
 {

@@ -1,4 +1,4 @@
-#include "tests/workflows/QcPage.h"
+#include "tests/workflows/QcTest.h"
 
 #include <QJsonArray>
 #include <QRadioButton>
@@ -8,13 +8,10 @@
 
 /// The two points of the QC page: which one a click is for, and what the operator is told. The unit magnifies
 /// exactly fourfold.
-class tst_qcpoints : public QObject {
+class tst_qcpoints : public QcTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void marksOfTheTargetSlide_giveTheMagnification();
     void setPoint_goesToTheChosenPoint();
     void setPointWithoutAChoice_doesNothing();
@@ -22,24 +19,7 @@ private slots:
     void twoMarks_areToldInABox();
     void otherErrors_areNotTold();
     void otherPoints_areNotShown();
-
-private:
-    std::unique_ptr<Desk> m_desk;
-    std::unique_ptr<QcPage> m_page;
 };
-
-void tst_qcpoints::init()
-{
-    m_desk.reset(new Desk);
-    QVERIFY(QcPage::open(*m_desk));
-    m_page.reset(new QcPage(*m_desk));
-}
-
-void tst_qcpoints::cleanup()
-{
-    m_page.reset();
-    m_desk.reset();
-}
 
 void tst_qcpoints::marksOfTheTargetSlide_giveTheMagnification()
 {
