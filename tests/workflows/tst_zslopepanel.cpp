@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-/// The Stage page during and after a slope calibration, what disturbs one, and the two settings beside it.
+/// The Stage page during and after a slope calibration, what disturbs one, and the reference beside it.
 class tst_zslopepanel : public QObject {
     Q_OBJECT
 
@@ -24,8 +24,6 @@ private slots:
     void runThatEndsWhileTheFolderIsAskedFor_isNotTakenForTheNextOne();
     void referenceSetAfterACalibration_is115BelowBestFocus();
     void referenceSetFromNoNumber_isZero();
-    void offset_isStoredAsAWholeNumber_data();
-    void offset_isStoredAsAWholeNumber();
 
 private:
     std::unique_ptr<SlopeDesk> m_desk;
@@ -206,31 +204,6 @@ void tst_zslopepanel::referenceSetFromNoNumber_isZero()
     QVERIFY(hand::click(m_desk->window(), "pushButton_REFERENCE_AUTOFOCUS_SET"));
     QCOMPARE(SlopeDesk::stored("Z reference"), QByteArray("0"));
     QCOMPARE(m_desk->text("lineEdit_REFERENCE_AUTOFOCUS"), QString("0"));
-}
-
-void tst_zslopepanel::offset_isStoredAsAWholeNumber_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("positive") << QString("5") << QByteArray("5");
-    QTest::newRow("negative") << QString("-2") << QByteArray("-2");
-    QTest::newRow("no number") << QString("three") << QByteArray("0");
-    QTest::newRow("empty") << QString() << QByteArray("0");
-}
-
-void tst_zslopepanel::offset_isStoredAsAWholeNumber()
-{
-    QFETCH(QString, typed);
-    QFETCH(QByteArray, text);
-    QVERIFY(m_desk->connectWith({}));
-    QCOMPARE(m_desk->text("lineEdit_OFFSET_Z"), QString("3"));
-    QVERIFY(hand::type(m_desk->window(), "lineEdit_OFFSET_Z", typed));
-    QCOMPARE(SlopeDesk::stored("Z offset"), QByteArray());
-    const int mark = m_desk->mark();
-    QVERIFY(hand::click(m_desk->window(), "pushButton_OFFSET_Z"));
-    QCOMPARE(SlopeDesk::stored("Z offset"), text);
-    QCOMPARE(m_desk->text("lineEdit_OFFSET_Z"), typed);
-    QCOMPARE(m_desk->linesSince(mark), QStringList());
 }
 
 WORKFLOW_MAIN(tst_zslopepanel)
