@@ -47,13 +47,13 @@ public:
     void triggerAndWaitForFrame(bool trigger) override;
     void setCameraReverse(bool reverseX, bool reverseY) override;
 
+    /// Takes effect on the driver's thread, after the trigger that is under way there.
+    void setAutoTriggeringMode(bool mode) override;
+
     /// Blocks until the next frame, 3 s at most.
     void waitForNextFrameReady();
 
 public slots:
-    /// Takes effect on the driver's thread, after the trigger that is under way there.
-    void setAutoTriggeringMode(bool mode) override;
-
     /// Counts a frame.
     void slot_updateImg();
 

@@ -210,6 +210,31 @@ private slots:
         QCOMPARE(log.lines(mark).filter("void AR0134::closeCamera()").size(), 2); // before and after
     }
 
+    void liveState_asksForATriggerWhereItChanges()
+    {
+        AR0134 camera(m_bench->file());
+        QSignalSpy asked(&camera, &AR0134::sig_selfExecuteSoftwareTrigger);
+        camera.slot_setLiveViewState(false); // as it is
+        QCOMPARE(camera.state(), 1);
+        QCOMPARE(asked.count(), 0);
+        camera.slot_setLiveViewState(true);
+        QCOMPARE(camera.state(), 2);
+        QCOMPARE(asked.count(), 1);
+        camera.slot_setLiveViewState(true);
+        QCOMPARE(asked.count(), 1);
+        QCOMPARE(m_board->count(Kind::Trigger), 0); // queued, though it is on this thread
+        camera.slot_setLiveViewState(false);
+        QCOMPARE(camera.state(), 1);
+        QCOMPARE(asked.count(), 1);
+    }
+
+    void states_haveTheirNumbers()
+    {
+        QCOMPARE(int(AR0134::STATE_CLOSED), 0);
+        QCOMPARE(int(AR0134::STATE_OPEN), 1);
+        QCOMPARE(int(AR0134::STATE_LIVE), 2);
+    }
+
     void closedCamera_givesTheBoardBackOnceAndAnswersNothing()
     {
         AR0134 camera(m_bench->file());

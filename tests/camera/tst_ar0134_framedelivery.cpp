@@ -1,11 +1,41 @@
 #include "tests/camera/Ar0134Tests.h"
+#include "tests/camera/FakeSource.h"
 #include "tests/support/LogCapture.h"
 
+#include <QMetaMethod>
+#include <QThread>
 #include <QtTest>
 
+#include <atomic>
 #include <cmath>
 
 using qr9::wire::Kind;
+using Shot = ScriptedBoard::Shot;
+
+namespace {
+
+std::atomic<QThread*> g_criticalThread { nullptr };
+
+/// Keeps the thread on which the latest critical line was logged.
+void keepCriticalThread(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/)
+{
+    if (type == QtCriticalMsg) {
+        g_criticalThread = QThread::currentThread();
+    }
+}
+
+QStringList ownMethods(const QMetaObject& meta, QMetaMethod::MethodType type)
+{
+    QStringList signatures;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        if (meta.method(i).methodType() == type) {
+            signatures << QString::fromLatin1(meta.method(i).methodSignature());
+        }
+    }
+    return signatures;
+}
+
+} // namespace
 
 // The frame source on the driver: opening, units, frames before and after a one-shot trigger, and its end.
 class tst_ar0134_framedelivery : public SourceTest {
@@ -40,6 +70,65 @@ private slots:
         QVERIFY(!m_source->isRunning());
         QVERIFY(log.contains("!!! The second atempt to open Arducam !!!"));
         QVERIFY(!log.contains("!!! Arducam is ON !!!"));
+    }
+
+    void constructorWithoutBoard_leavesNoSourceOfBefore()
+    {
+        const auto before = std::make_unique<FakeSource>();
+        FrameDelivery::m_pInstance = before.get();
+        m_board->setBoards(0);
+        m_source = std::make_unique<Ar0134FrameDelivery>();
+        QVERIFY(FrameDelivery::m_pInstance == nullptr);
+    }
+
+    void metaObject_hasItsOwnSignalsAndOneSlotInOrder()
+    {
+        const QMetaObject& meta = Ar0134FrameDelivery::staticMetaObject;
+        QCOMPARE(ownMethods(meta, QMetaMethod::Signal),
+            (QStringList { "sig_setExposure(uint)", "sig_setGain(double)", "sig_ExecuteSoftwareTrigger()",
+                "sig_setLiveViewState(bool)", "sig_update()" }));
+        QCOMPARE(ownMethods(meta, QMetaMethod::Slot), QStringList { "slot_updateImg()" });
+    }
+
+    void trigger_isWorkedThroughOnAnotherThreadWhileTheCallerStands()
+    {
+        open();
+        m_board->script({ { Shot::Refused, 0xFF26, {} } });
+        g_criticalThread = nullptr;
+        const QtMessageHandler before = qInstallMessageHandler(keepCriticalThread);
+        emit m_source->sig_ExecuteSoftwareTrigger();
+        qInstallMessageHandler(before);
+        QVERIFY(g_criticalThread != nullptr); // the failure stands in the log when the call returns
+        QVERIFY(g_criticalThread != QThread::currentThread());
+    }
+
+    void gainAndExposure_areSetOnTheCallersThread()
+    {
+        open();
+        m_board->failWrites(0x3012, 0xFF0B);
+        g_criticalThread = nullptr;
+        const QtMessageHandler before = qInstallMessageHandler(keepCriticalThread);
+        m_source->setCurrentExposure(20.0);
+        qInstallMessageHandler(before);
+        QCOMPARE(g_criticalThread.load(), QThread::currentThread());
+        m_board->failReads(0x30B0, 0xFF0B);
+        g_criticalThread = nullptr;
+        qInstallMessageHandler(keepCriticalThread);
+        m_source->setCurrentGain(3.0F);
+        qInstallMessageHandler(before);
+        QCOMPARE(g_criticalThread.load(), QThread::currentThread());
+    }
+
+    void frames_areCountedOnTheThreadOfTheSource()
+    {
+        open();
+        std::atomic<QThread*> counted { nullptr };
+        connect(
+            m_source.get(), &FrameDelivery::sig_FpsUpdate, m_source.get(),
+            [&counted](float) { counted = QThread::currentThread(); }, Qt::DirectConnection);
+        QVERIFY(m_source->start());
+        QTRY_VERIFY_WITH_TIMEOUT(counted != nullptr, 20000);
+        QCOMPARE(counted.load(), QThread::currentThread());
     }
 
     void closedSource_startsNothingAndAnswers()

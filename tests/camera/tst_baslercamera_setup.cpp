@@ -4,6 +4,7 @@
 
 #include <QTest>
 
+#include <cmath>
 #include <limits>
 
 using Requests = std::vector<std::string>;
@@ -69,6 +70,62 @@ private slots:
         const DeviceNodeMap copy = bench.camera.device_node_map();
         QCOMPARE(copy.modelName, QString("daA1280-54um"));
         QCOMPARE(copy.exposureMax, 1000000.0);
+    }
+
+    void initalize_readsInOrder_data()
+    {
+        QTest::addColumn<QString>("missing");
+        QTest::addColumn<int>("widthMax"); // of the facts as they stand when the node is missed
+        QTest::addColumn<int>("heightMax");
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<int>("family");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::addColumn<double>("exposureMax");
+        constexpr double kNotRead = -1.0;
+        const QString dart = "daA1280-54um";
+        QTest::newRow("Width") << "Width" << 0 << 0 << QString() << 0 << 0 << 0 << kNotRead;
+        QTest::newRow("Height") << "Height" << 1280 << 0 << QString() << 0 << 0 << 0 << kNotRead;
+        QTest::newRow("ExposureTime")
+            << "ExposureTime" << 1280 << 960 << dart << 2 << 1280 << 960 << kNotRead;
+        QTest::newRow("Gain") << "Gain" << 1280 << 960 << dart << 2 << 1280 << 960 << 1000000.0;
+    }
+    void initalize_readsInOrder()
+    {
+        // Each node that is missed ends the reading where it stands: nothing behind it has been read, nothing
+        // is handed out, and nothing has been written.
+        QFETCH(QString, missing);
+        CameraBench bench;
+        bench.server.removeFeature(missing.toStdString());
+        bench.camera.connect(nullptr, nullptr);
+        bench.camera.open();
+        bench.server.forgetRequests();
+        bench.map.modelName = "untouched";
+        QVERIFY(throws([&] { bench.camera.initalize(1280, 960, 8, bench.map); }));
+        const DeviceNodeMap facts = bench.camera.device_node_map();
+        QTEST(facts.widthMax, "widthMax");
+        QTEST(facts.heightMax, "heightMax");
+        QTEST(facts.modelName, "model");
+        QTEST(facts.family, "family");
+        QTEST(facts.width, "width");
+        QTEST(facts.height, "height");
+        QTEST(std::isnan(facts.exposureMax) ? -1.0 : facts.exposureMax, "exposureMax");
+        QVERIFY(std::isnan(facts.gainMax));
+        QCOMPARE(bench.map.modelName, QString("untouched"));
+        QCOMPARE(bench.server.requests(), Requests());
+    }
+
+    void unknownModelWithoutGainAndExposure_isLeftAloneToo()
+    {
+        // What would have been read behind the model's name is not missed.
+        CameraBench bench;
+        bench.server.setModel("boA4096-93cm");
+        bench.server.removeFeature("Gain");
+        bench.server.removeFeature("ExposureTime");
+        bench.camera.connect(nullptr, nullptr);
+        bench.camera.open();
+        QVERIFY(!throws([&] { bench.camera.initalize(1280, 960, 8, bench.map); }));
+        QCOMPARE(bench.camera.device_node_map().widthMax, 1280);
     }
 
     void initalize_clampsTheSize()

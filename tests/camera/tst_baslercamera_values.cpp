@@ -60,6 +60,18 @@ private slots:
         QCOMPARE(bench.server.requests(), (Requests { "Get ExposureTime", "Get Gain" }));
     }
 
+    void valueThatDiffersInDoublePrecision_isWritten()
+    {
+        // 10000.1 is no float: what the node holds and what is asked for differ beyond the seventh digit.
+        CameraBench bench;
+        bench.server.setFeature("ExposureTime", 10000.1, 20.0, 1000000.0);
+        bench.setUp();
+        bench.camera.setExposure(10000.1F);
+        QCOMPARE(bench.server.count("Get ExposureTime"), 1);
+        QCOMPARE(bench.server.requests().size(), std::size_t(2));
+        QVERIFY(bench.server.feature("ExposureTime") == static_cast<double>(10000.1F));
+    }
+
     void limitRoundedAboveTheRealOne_isRefusedAndLogged()
     {
         // 23.79 is no float: the nearest one lies above it.
@@ -105,6 +117,43 @@ private slots:
         QVERIFY(log.lines().isEmpty());
         QCOMPARE(bench.camera.getExposure(), 10000.0F);
         QCOMPARE(log.lines(), QStringList { "float BaslerCamera::getExposure()" });
+    }
+
+    void calls_logTheirSignature()
+    {
+        CameraBench bench;
+        LogCapture log;
+        const auto logged = [&log](auto&& call) {
+            log.clear();
+            call();
+            return log.lines();
+        };
+        const QStringList connected = logged([&] { bench.camera.connect(nullptr, nullptr); });
+        QCOMPARE(connected.size(), 1);
+        QVERIFY(connected[0].startsWith("bool BaslerCamera::connect("));
+        QCOMPARE(logged([&] { bench.camera.open(); }), QStringList { "void BaslerCamera::open()" });
+        const QStringList setUp = logged([&] { bench.camera.initalize(1280, 960, 8, bench.map); });
+        QCOMPARE(setUp.size(), 1);
+        QVERIFY(setUp[0].startsWith("void BaslerCamera::initalize(uint, uint, uint, DeviceNodeMap&)"));
+        QCOMPARE(logged([&] { bench.camera.SetSoftwareTriggerMode(true); }),
+            (QStringList { "void BaslerCamera::SetSoftwareTriggerMode(bool)",
+                "SetSoftwareTriggerMode SW Trigger mode is ON" }));
+        QCOMPARE(logged([&] { bench.camera.setExposure(500.0F); }),
+            QStringList { "void BaslerCamera::setExposure(float)" });
+        QCOMPARE(
+            logged([&] { bench.camera.setGain(1.0F); }), QStringList { "void BaslerCamera::setGain(float)" });
+        QCOMPARE(logged([&] { bench.camera.setGamma(1.0); }),
+            QStringList { "void BaslerCamera::setGamma(double)" });
+        QCOMPARE(logged([&] { bench.camera.setReverse(true, true); }),
+            QStringList { "void BaslerCamera::setReverse(bool, bool)" });
+        QCOMPARE(logged([&] { bench.camera.device_node_map(); }),
+            QStringList { "DeviceNodeMap BaslerCamera::device_node_map()" });
+        QCOMPARE(logged([&] { bench.camera.start(); }), QStringList { "void BaslerCamera::start()" });
+        QCOMPARE(logged([&] { bench.camera.isRunning(); }), QStringList());
+        const QStringList released = logged([&] { bench.camera.release(nullptr, nullptr); });
+        QCOMPARE(released.size(), 2);
+        QVERIFY(released[0].startsWith("void BaslerCamera::release("));
+        QCOMPARE(released[1], QString("void BaslerCamera::stop()"));
     }
 
     void setReverse_writesXThenY()

@@ -6,8 +6,11 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cstddef>
+#include <cstring>
 #include <ctime>
 #include <optional>
+#include <vector>
 
 namespace {
 
@@ -19,6 +22,16 @@ constexpr qint64 kBillion = 1000000000;
 void setClock(qint64 seconds, qint64 nanoseconds)
 {
     g_clock = timespec { static_cast<time_t>(seconds), static_cast<long>(nanoseconds) };
+}
+
+/// Place of a virtual operation in the table of its class, in bytes, as the compiler's pointers to members
+/// carry it.
+template <typename Operation> std::ptrdiff_t placeOf(Operation operation)
+{
+    std::ptrdiff_t place = 0;
+    static_assert(sizeof(operation) >= sizeof(place));
+    std::memcpy(&place, &operation, sizeof(place));
+    return place;
 }
 
 /// Lets the module's clock show so many ms.
@@ -123,6 +136,27 @@ private slots:
         setTick(18003);
         first.FpsUpdate();
         QCOMPARE(ofFirst.takeFirst().first().toFloat(), static_cast<float>(1 / 1001.0 * 1000.0));
+    }
+
+    void operations_standInTheirOrderBehindThoseOfQObject()
+    {
+        const std::vector<std::ptrdiff_t> places { placeOf(&FrameDelivery::isRunning),
+            placeOf(&FrameDelivery::getCurrentExposure), placeOf(&FrameDelivery::getCurrentGain),
+            placeOf(&FrameDelivery::setCurrentGain), placeOf(&FrameDelivery::setCurrentExposure),
+            placeOf(&FrameDelivery::getIntensity), placeOf(&FrameDelivery::getAutoTriggeringMode),
+            placeOf(&FrameDelivery::start), placeOf(&FrameDelivery::stop),
+            placeOf(&FrameDelivery::pushMatImage), placeOf(&FrameDelivery::pushQImage),
+            placeOf(&FrameDelivery::triggerAndWaitForFrame), placeOf(&FrameDelivery::setCameraReverse),
+            placeOf(&FrameDelivery::setAutoTriggeringMode) };
+        // The last one of QObject is protected; here it has a name.
+        struct Last : QObject {
+            static std::ptrdiff_t place() { return placeOf(&Last::disconnectNotify); }
+        };
+        std::ptrdiff_t expected = Last::place();
+        for (const std::ptrdiff_t place : places) {
+            expected += static_cast<std::ptrdiff_t>(sizeof(void*));
+            QCOMPARE(place, expected);
+        }
     }
 
     void instance_isNullUntilASourceHasSetIt() { QVERIFY(FrameDelivery::m_pInstance == nullptr); }

@@ -41,6 +41,31 @@ private slots:
     void initTestCase() { PylonInitialize(); }
     void cleanupTestCase() { PylonTerminate(); }
 
+    void enumerators_haveTheirNumbers()
+    {
+        QCOMPARE(int(GrabStrategy_OneByOne), 0);
+        QCOMPARE(int(GrabStrategy_LatestImageOnly), 1);
+        QCOMPARE(int(GrabStrategy_LatestImages), 2);
+        QCOMPARE(int(GrabStrategy_UpcomingImage), 3);
+        QCOMPARE(int(GrabLoop_ProvidedByInstantCamera), 0);
+        QCOMPARE(int(GrabLoop_ProvidedByUser), 1);
+        QCOMPARE(int(RegistrationMode_Append), 0);
+        QCOMPARE(int(RegistrationMode_ReplaceAll), 1);
+        QCOMPARE(int(Cleanup_None), 0);
+        QCOMPARE(int(Cleanup_Delete), 1);
+        using namespace Basler_UsbCameraParams;
+        QCOMPARE(int(ExposureAuto_Off), 0);
+        QCOMPARE(int(GainAuto_Off), 0);
+        QCOMPARE(int(PixelFormat_Mono8), 0);
+        QCOMPARE(int(PixelFormat_Mono12), 3);
+        QCOMPARE(int(TriggerSelector_FrameStart), 1);
+        QCOMPARE(int(TriggerMode_Off), 0);
+        QCOMPARE(int(TriggerMode_On), 1);
+        QCOMPARE(int(TriggerSource_Software), 0);
+        QCOMPARE(int(OverlapMode_On), 0);
+        QCOMPARE(int(OverlapMode_Off), 1);
+    }
+
     void registration_isCountedAndTold()
     {
         ImageHandler handler;
