@@ -1,6 +1,7 @@
 #include "storage/MountTable.h"
 
 #include <QByteArray>
+#include <QDebug>
 #include <QFile>
 
 #include <algorithm>
@@ -31,6 +32,9 @@ MountTable::MountTable()
 {
     QFile file(tableName);
     m_readable = file.open(QIODevice::ReadOnly);
+    if (!m_readable) {
+        qDebug() << "[Error] : " << tableName << file.errorString();
+    }
     const QList<QByteArray> lines = m_readable ? file.readAll().split('\n') : QList<QByteArray>();
     for (const QByteArray& line : lines) {
         const QList<QByteArray> words = line.split(' ');

@@ -15,7 +15,7 @@ public:
 
     MountTable();
 
-    /// False when the file could not be read; the table is empty then.
+    /// False when the file could not be read, which is logged; the table is empty then.
     bool isReadable() const { return m_readable; }
     const QList<Mount>& mounts() const { return m_mounts; }
 

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <memory>
@@ -31,6 +32,7 @@ private slots:
     void folderOfTheSameDiskMountedInMedia_keepsItsContent();
     void mountPointThatBeginsAnother_isTakenForWhatItIs();
     void unreadableListOfMounts_leavesEverything();
+    void unreadableListOfMounts_doesNotPassForAnUnmountedStick();
     void listOfMountsWithoutAMountedStick_keepsItsContent();
     void listOfMountsWithoutAMountBelow_keepsItsContent();
 
@@ -143,6 +145,21 @@ void tst_MediaMonitor_safety::unreadableListOfMounts_leavesEverything()
     monitor.cleanUp();
     QCOMPARE(textOf("/media/STICK/file"), pixels);
     QCOMPARE(textOf("/media/stale/file"), QByteArray("x"));
+}
+
+void tst_MediaMonitor_safety::unreadableListOfMounts_doesNotPassForAnUnmountedStick()
+{
+    m_shelf->plug("/dev/sdb1", "1111-1111", "STICK");
+    MediaMonitor monitor;
+    monitor.mountAll();
+    writeFile("/media/STICK/file", pixels);
+    m_shelf->setUnmounting(StickShelf::Behaviour::fails);
+    QVERIFY(QFile::remove("/run/rig/mtab"));
+    QTest::ignoreMessage(QtDebugMsg, QRegularExpression("^\\[Error\\] : +/etc/mtab "));
+    QVERIFY(!monitor.umount("/media/STICK"));
+    monitor.umountAll();
+    QVERIFY(monitor.devices().front().mounted);
+    QCOMPARE(textOf("/media/STICK/file"), pixels);
 }
 
 void tst_MediaMonitor_safety::listOfMountsWithoutAMountedStick_keepsItsContent()
