@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
-#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>

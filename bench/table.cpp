@@ -1,6 +1,5 @@
 #include "bench/table.h"
 
-#include <algorithm>
 #include <cstdio>
 
 bool printTable(const std::vector<TableRow>& rows, const std::string& unit)

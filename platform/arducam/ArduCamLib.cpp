@@ -2,7 +2,6 @@
 
 #include "platform/arducam/UsbBoard.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <map>

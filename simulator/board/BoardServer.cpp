@@ -2,7 +2,6 @@
 
 #include <QJsonArray>
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 

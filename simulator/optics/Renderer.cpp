@@ -7,8 +7,6 @@
 
 #include <opencv2/core.hpp>
 
-#include <cmath>
-
 namespace qr9::optics {
 
 namespace {

@@ -6,6 +6,7 @@
 #include "simulator/optics/SharpScene.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace qr9::optics {

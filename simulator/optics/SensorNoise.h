@@ -5,7 +5,6 @@
 
 #include <opencv2/core/mat.hpp>
 
-#include <array>
 #include <cstdint>
 #include <vector>
 
