@@ -1,12 +1,8 @@
 #include "tests/platform/ScriptedBoard.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 
 using namespace qr9;
@@ -19,36 +15,21 @@ bool ScriptedBoard::Request::operator==(const Request& other) const
 
 ScriptedBoard::ScriptedBoard()
 {
-    char folder[] = "/tmp/scripted-board-XXXXXX";
-    if (::mkdtemp(folder) == nullptr || ::pipe(m_stopPipe) != 0) {
-        throw std::runtime_error("no place for the socket of the scripted board");
+    if (::pipe(m_stopPipe) != 0) {
+        throw std::runtime_error("no pipe for the scripted board");
     }
-    m_folder = folder;
-    m_path = m_folder + "/camera.sock";
-    sockaddr_un address {};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, m_path.c_str(), sizeof(address.sun_path) - 1);
-    m_listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0
-        || ::listen(m_listener, 8) != 0) {
-        throw std::runtime_error("the scripted board cannot listen");
-    }
-    ::setenv(wire::kSocketVariable, m_path.c_str(), 1);
     m_thread = std::thread(&ScriptedBoard::serve, this);
 }
 
 ScriptedBoard::~ScriptedBoard()
 {
-    ::unsetenv(wire::kSocketVariable);
+    m_socket.hide();
     ::close(m_stopPipe[1]);
     m_thread.join();
     for (const int client : m_clients) {
         ::close(client);
     }
     ::close(m_stopPipe[0]);
-    ::close(m_listener);
-    ::unlink(m_path.c_str());
-    ::rmdir(m_folder.c_str());
 }
 
 void ScriptedBoard::setBoards(int count)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/camera_wire.h"
+#include "tests/platform/CameraSocket.h"
 
 #include <chrono>
 #include <cstdint>
@@ -95,9 +96,7 @@ private:
     void sendDueFrames();
     int pollTimeout() const;
 
-    std::string m_folder;
-    std::string m_path;
-    int m_listener = -1;
+    CameraSocket m_socket;
     int m_stopPipe[2] = { -1, -1 };
     std::vector<int> m_clients; ///< of the serving thread alone
 

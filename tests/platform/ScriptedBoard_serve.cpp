@@ -62,7 +62,7 @@ void fail(wire::Message& reply, wire::Error error, std::uint32_t code)
 void ScriptedBoard::serve()
 {
     while (true) {
-        std::vector<pollfd> sockets { { m_stopPipe[0], POLLIN, 0 }, { m_listener, POLLIN, 0 } };
+        std::vector<pollfd> sockets { { m_stopPipe[0], POLLIN, 0 }, { m_socket.listener(), POLLIN, 0 } };
         for (const int client : m_clients) {
             sockets.push_back({ client, POLLIN, 0 });
         }
@@ -82,7 +82,7 @@ void ScriptedBoard::serve()
             }
         }
         if (sockets[1].revents != 0) {
-            m_clients.push_back(::accept(m_listener, nullptr, nullptr));
+            m_clients.push_back(::accept(m_socket.listener(), nullptr, nullptr));
         }
         sendDueFrames();
     }

@@ -2,14 +2,9 @@
 #include "tests/platform/wire_text.h"
 
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 
 using namespace qr9;
@@ -51,25 +46,14 @@ ScriptedCamera::ScriptedCamera()
     setModel(kDart);
     m_picture = [](int) { return greyPicture(100); };
 
-    char folder[] = "/tmp/scripted-camera-XXXXXX";
-    if (::mkdtemp(folder) == nullptr || ::pipe2(m_wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
-        throw std::runtime_error("no place for the socket of the scripted camera");
-    m_folder = folder;
-    m_path = m_folder + "/camera.sock";
-    sockaddr_un address {};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, m_path.c_str(), sizeof(address.sun_path) - 1);
-    m_listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0
-        || ::listen(m_listener, 8) != 0)
-        throw std::runtime_error("the scripted camera cannot listen");
-    ::setenv(wire::kSocketVariable, m_path.c_str(), 1);
+    if (::pipe2(m_wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        throw std::runtime_error("no pipe for the scripted camera");
     m_thread = std::thread(&ScriptedCamera::serve, this);
 }
 
 ScriptedCamera::~ScriptedCamera()
 {
-    ::unsetenv(wire::kSocketVariable);
+    m_socket.hide();
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_bEnding = true;
@@ -80,9 +64,6 @@ ScriptedCamera::~ScriptedCamera()
         ::close(client);
     ::close(m_wakePipe[0]);
     ::close(m_wakePipe[1]);
-    ::close(m_listener);
-    ::unlink(m_path.c_str());
-    ::rmdir(m_folder.c_str());
 }
 
 void ScriptedCamera::wake()

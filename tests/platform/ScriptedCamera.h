@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/camera_wire.h"
+#include "tests/platform/CameraSocket.h"
 
 #include <chrono>
 #include <cstddef>
@@ -119,9 +120,7 @@ private:
     const qr9::wire::Feature* find(const std::string& name) const;
     qr9::wire::Feature* find(const std::string& name);
 
-    std::string m_folder;
-    std::string m_path;
-    int m_listener = -1;
+    CameraSocket m_socket;
     int m_wakePipe[2] = { -1, -1 };
     std::vector<int> m_clients; ///< of the serving thread alone
 

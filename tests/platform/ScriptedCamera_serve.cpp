@@ -81,7 +81,7 @@ std::string textOf(const wire::Message& request)
 void ScriptedCamera::serve()
 {
     for (;;) {
-        std::vector<pollfd> waits { { m_listener, POLLIN, 0 }, { m_wakePipe[0], POLLIN, 0 } };
+        std::vector<pollfd> waits { { m_socket.listener(), POLLIN, 0 }, { m_wakePipe[0], POLLIN, 0 } };
         for (const int client : m_clients)
             waits.push_back({ client, POLLIN, 0 });
         ::poll(waits.data(), waits.size(), pollTimeout());
@@ -105,7 +105,7 @@ void ScriptedCamera::serve()
             }
         }
         if (waits[0].revents != 0)
-            m_clients.push_back(::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC));
+            m_clients.push_back(::accept4(m_socket.listener(), nullptr, nullptr, SOCK_CLOEXEC));
     }
 }
 
