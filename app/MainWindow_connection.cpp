@@ -152,8 +152,9 @@ void MainWindow::on_pushButton_EXIT_clicked()
     if (m_bSerialChanged) {
         AcknowledgeBox box("Info", "The serial number has changed, so a restart will be performed!!", this);
         box.exec();
-        if (box.isAcknowledged())
-            QProcess::startDetached("systemctl", { "restart", "rc-local.service" });
+        if (box.isAcknowledged() && !QProcess::startDetached("systemctl", { "restart", "rc-local.service" }))
+            qDebug() << "[Error] : "
+                     << "systemctl cannot be started, the instrument keeps its old name";
     }
     close();
 }

@@ -30,6 +30,7 @@ private slots:
     void exitDuringASearchInVain_sendsNothing();
     void exitWithChangedSerial_restartsAfterOk();
     void exitWithChangedSerial_closedBoxDoesNotRestart();
+    void exitWithChangedSerial_missingServiceManagerIsLogged();
 
 private:
     bool leaveDuringASearch();
@@ -330,6 +331,20 @@ void tst_connection::exitWithChangedSerial_restartsAfterOk()
     QCOMPARE(m_desk->boxes.texts(),
         QStringList({ "The serial number has changed, so a restart will be performed!!" }));
     QVERIFY(patience::waitFor([] { return callsOfSystemctl().contains("restart rc-local.service"); }));
+    QVERIFY(!m_desk->window().isVisible());
+}
+
+void tst_connection::exitWithChangedSerial_missingServiceManagerIsLogged()
+{
+    QVERIFY(m_desk->connectUnit());
+    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_QC2"));
+    QVERIFY(hand::click(m_desk->window(), "pushButton_SERIAL_WRITE"));
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", "/nowhere");
+    const bool clicked = hand::click(m_desk->window(), "pushButton_EXIT");
+    qputenv("PATH", path);
+    QVERIFY(clicked);
+    QVERIFY(m_desk->log.contains("systemctl cannot be started"));
     QVERIFY(!m_desk->window().isVisible());
 }
 
