@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 
 #include <algorithm>
+#include <iterator>
 
 /// What differs from camera to camera: its words in the log, the frame rate, where a fluorescence gain is
 /// kept. And what must not: the way out in the middle of live mode.
@@ -16,6 +17,8 @@ private slots:
     void cleanup();
 
     void camera_isNamedInTheLog();
+    void cameraStart_goesInThisOrder();
+    void frameRate_isShownTwiceASecondWithOneDecimal();
     void frameRate_isToldByTheAr0134Alone();
     void fluorescenceGain_isTheOneOfThisCamera_data();
     void fluorescenceGain_isTheOneOfThisCamera();
@@ -72,6 +75,61 @@ void tst_cameras::camera_isNamedInTheLog()
     QVERIFY(m_desk->log.contains("@ [Basler] CAMERA connected..."));
     QVERIFY(m_desk->log.contains(m_bArduCam ? "void MainWindow::check_CameraConnection() 2 true"
                                             : "void MainWindow::check_CameraConnection() 1 true"));
+}
+
+void tst_cameras::cameraStart_goesInThisOrder()
+{
+    Desk::putSettings("[Ch. BF]\nGain=3\nExposure=50\n");
+    QVERIFY(m_desk->connectUnit());
+    // At the second connection the picture stands in the window before it is hidden.
+    const int mark = m_desk->log.mark();
+    QVERIFY(hand::click(m_desk->window(), "pushButton_CONNECT"));
+    const int begin = m_desk->log.indexOf("void MainWindow::initialize_Basler(int, int, int)", mark);
+    QVERIFY(begin >= 0);
+    const char* const gain = m_bArduCam ? "AR0134::slot_setGain(double) 3" : "again: 3";
+    const char* const exposure = m_bArduCam ? "AR0134::slot_setExposure(unsigned int) 50000" : "exposure: 50";
+    int place = begin;
+    for (const char* line : { "hideEvent", "FrameDelivery::start()", gain, exposure, "showEvent ",
+             "@ [Basler] CAMERA connected..." }) {
+        const int found = m_desk->log.indexOf(line, begin + 1);
+        QVERIFY2(found > place, line);
+        place = found;
+    }
+    // Live mode, and behind it the five lines of the banner.
+    const QStringList lines = m_desk->log.lines();
+    const QString frame(42, '@');
+    QCOMPARE(
+        lines.mid(place - 2, 5), (QStringList { "", frame, "@ [Basler] CAMERA connected...", frame, "" }));
+    const int live = m_desk->log.indexOf("setAutoTriggeringMode", m_desk->log.indexOf("showEvent ", begin));
+    QVERIFY(live > begin && live < place - 2);
+    QVERIFY(lines[live].endsWith(" true"));
+}
+
+void tst_cameras::frameRate_isShownTwiceASecondWithOneDecimal()
+{
+    QVERIFY(m_desk->connectUnit());
+    auto* const edit = m_desk->widget<QLineEdit>("lineEdit_FPS");
+    const auto waitForShow = [edit] {
+        edit->setText("-");
+        QElapsedTimer timer;
+        timer.start();
+        patience::waitFor([edit] { return edit->text() != "-"; });
+        return timer.elapsed();
+    };
+    waitForShow();
+    const qint64 times[] = { waitForShow(), waitForShow(), waitForShow() };
+    const qint64 shortest = *std::min_element(std::begin(times), std::end(times));
+    QVERIFY2(shortest > 400 && shortest < 700, qPrintable(QString::number(shortest)));
+    const auto shown = [this](float rate) {
+        m_desk->window().slot_FpsUpdate(rate);
+        const QString before = m_desk->text("lineEdit_FPS");
+        m_desk->window().slot_FpsUpdate_UI();
+        return before + " " + m_desk->text("lineEdit_FPS");
+    };
+    edit->setText("-");
+    QCOMPARE(shown(12.34F), QString("- 12.3")); // the rate itself changes nothing on show
+    QCOMPARE(shown(9.96F), QString("12.3 10.0"));
+    QCOMPARE(shown(0.25F), QString("10.0 0.2")); // ties to even
 }
 
 void tst_cameras::frameRate_isToldByTheAr0134Alone()

@@ -16,6 +16,8 @@ private slots:
     void toggle_switchesOffAndBringsTheStoredLevelBack();
     void cameraGetsTheExposureUnrounded();
     void doubledReply_changesNothing();
+    void channelChange_setsCameraThenLightThenFilterThenTint();
+    void filterWheel_turnsToTheChannelInUseWhateverIsAskedFor();
     void withoutKnownCamera_fluorescenceHasNoGain();
 };
 
@@ -239,6 +241,30 @@ void tst_illumination::withoutKnownCamera_fluorescenceHasNoGain()
     m_desk->window().get_illumination_GAIN_ini(ILLUMINATION_BF);
     QCOMPARE(gainBox(), 4.0);
     QVERIFY(m_desk->waitForConnection());
+}
+
+void tst_illumination::channelChange_setsCameraThenLightThenFilterThenTint()
+{
+    QVERIFY(click("pushButton_ILLUMINATION_BF"));
+    const int mark = m_desk->log.mark();
+    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
+    int place = mark;
+    for (const char* line : { isArduCam() ? "AR0134::slot_setGain(double)" : "::setCurrentGain(float)",
+             isArduCam() ? "AR0134::slot_setExposure(unsigned int)" : "::setCurrentExposure(double)",
+             "$A#LED BRT2 300", "$A#FILTER GO 2", "CameraView::setPseudoColorTable(int)" }) {
+        const int found = m_desk->log.indexOf(line, mark);
+        QVERIFY2(found >= place, line);
+        place = found;
+    }
+}
+
+void tst_illumination::filterWheel_turnsToTheChannelInUseWhateverIsAskedFor()
+{
+    QVERIFY(click("pushButton_ILLUMINATION_GFP"));
+    const int mark = m_desk->mark();
+    m_desk->window().change_illumination_FILTER(ILLUMINATION_RFP);
+    QCOMPARE(m_desk->linesSince(mark), QStringList { "$A#FILTER GO 2" });
+    QCOMPARE(m_desk->rig.state().value("filter").toInt(), 2);
 }
 
 WORKFLOW_MAIN(tst_illumination)

@@ -1,9 +1,9 @@
 #include "algorithms/alg_pixelShift.h"
+#include "tests/workflows/BoardLog.h"
 #include "tests/workflows/ShiftRun.h"
 
 #include <opencv2/imgproc.hpp>
 
-#include <QFile>
 #include <QJsonArray>
 #include <QTabWidget>
 
@@ -63,24 +63,6 @@ QStringList move(int from, int to)
 double largestDifference(const cv::Mat& a, const cv::Mat& b)
 {
     return cv::norm(a, b, cv::NORM_INF);
-}
-
-/// Times in ms from an answer of the board to the line after it, over all places in its transcript where
-/// these two follow each other.
-QVector<int> pauses(const QString& answer, const QString& next)
-{
-    QFile file("/run/rig/board.log");
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QVector<int> result;
-    QStringList before { "0", "", "" };
-    for (const QString& line : QString::fromLatin1(file.readAll()).split('\n')) {
-        const QStringList words { line.section(' ', 0, 0), line.section(' ', 2, 2), line.section(' ', 3) };
-        if (before[1] == "<" && before[2].startsWith(answer) && words[1] == ">" && words[2] == next)
-            result << words[0].toInt() - before[0].toInt();
-        before = words;
-    }
-    return result;
 }
 
 int countOfAtLeast(int limit, const QVector<int>& times)
@@ -221,9 +203,9 @@ void tst_pixelshift::everyFrame_waitsForTheExposureOfTheBoxAnd250Ms()
     constexpr int kBrightField = 35 + 250 - 1;
     constexpr int kFluorescence = 80 + 250 - 1; // the box shows the exposure that is halved
     // The last line of a field is asked for in the same words, and at once.
-    QCOMPARE(countOfAtLeast(kBrightField, pauses("$OK#A#FILTER GO 1", "$Z#STAGE POS")), 12);
-    QCOMPARE(countOfAtLeast(kFluorescence, pauses("$OK#A#FILTER GO 2", "$A#LED BRT3 350")), 12);
-    QCOMPARE(countOfAtLeast(kFluorescence, pauses("$OK#A#FILTER GO 3", "$A#LED BRT1 7 6")), 12);
+    QCOMPARE(countOfAtLeast(kBrightField, board_log::pauses("$OK#A#FILTER GO 1", "$Z#STAGE POS")), 12);
+    QCOMPARE(countOfAtLeast(kFluorescence, board_log::pauses("$OK#A#FILTER GO 2", "$A#LED BRT3 350")), 12);
+    QCOMPARE(countOfAtLeast(kFluorescence, board_log::pauses("$OK#A#FILTER GO 3", "$A#LED BRT1 7 6")), 12);
 }
 
 void tst_pixelshift::averages_areTheInvertedShiftsOfTheUnit()
