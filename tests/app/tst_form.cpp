@@ -16,13 +16,19 @@ private slots:
 
     void everyWidget_standsWhereTheFormHasIt_data();
     void everyWidget_standsWhereTheFormHasIt();
+    void widgetsOfAPage_areMadeInThisOrder();
     void theForm_holdsTheseWidgetsAndNoOthers();
+    void widgets_standWithoutLayouts();
     void theWindow_hasItsSizeTitleAndFont();
     void atStart_theTabsAreOnQC1AndTheSlideIs2Channel();
     void theTabs_areInOrder();
     void theSlideList_isInOrder();
+    void theSlideMap_hasNoHeadersBarsEditsOrSelection();
     void workflowButtons_areViolet();
+    void arrowDown_hasAPictureForEachState();
     void buttons_takeNoFocus();
+    void editableFields_takeAClickAndStandRight();
+    void windowWithAName_keepsIt();
 
 private:
     QMainWindow* m_window = nullptr;
@@ -102,8 +108,35 @@ void tst_form::everyWidget_standsWhereTheFormHasIt()
         else
             QFAIL(qPrintable("unknown note: " + note));
     }
-    if (!notes.contains("disabled"))
-        QVERIFY(widget->isEnabledTo(widget->parentWidget()));
+    // What is not noted is not so.
+    QCOMPARE(widget->isEnabledTo(widget->parentWidget()), !notes.contains("disabled"));
+    if (const auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        QCOMPARE(button->isChecked(), notes.contains("checked"));
+        QCOMPARE(button->autoRepeat(), notes.contains("auto-repeat"));
+    }
+    if (const auto* line = qobject_cast<QLineEdit*>(widget))
+        QCOMPARE(line->isReadOnly(), notes.contains("read-only"));
+}
+
+void tst_form::widgetsOfAPage_areMadeInThisOrder()
+{
+    // Where widgets overlap, the later one lies in front.
+    QHash<const QWidget*, int> last;
+    for (const FormRow& row : kForm) {
+        auto* widget = m_window->findChild<QWidget*>(row.name);
+        QWidget* parent = widget->parentWidget();
+        const int place = parent->children().indexOf(widget);
+        QVERIFY2(place > last.value(parent, -1), row.name);
+        last[parent] = place;
+    }
+}
+
+void tst_form::widgets_standWithoutLayouts()
+{
+    QVERIFY(m_window->centralWidget()->layout() == nullptr);
+    QVERIFY(m_ui.groupBox_CAPTURE->layout() == nullptr);
+    for (int i = 0; i < m_ui.tabWidget_CONTROLLER->count(); ++i)
+        QVERIFY(m_ui.tabWidget_CONTROLLER->widget(i)->layout() == nullptr);
 }
 
 void tst_form::theForm_holdsTheseWidgetsAndNoOthers()
@@ -139,6 +172,7 @@ void tst_form::theWindow_hasItsSizeTitleAndFont()
     QCOMPARE(m_window->objectName(), QString("MainWindow"));
     QCOMPARE(m_window->font().pointSize(), 11);
     QCOMPARE(m_ui.pushButton_EXIT->font().bold(), true);
+    QCOMPARE(m_ui.pushButton_EXIT->font().pointSize(), 11);
     QCOMPARE(m_ui.pushButton_POSITION_Z->font().pointSize(), 10);
     QCOMPARE(m_ui.plainTextEdit_RECEIVED_CMD_CONTROLLER->font().pointSize(), 10);
     QCOMPARE(m_ui.tableWidget_SLIDE->font().pointSize(), 8);
@@ -170,6 +204,17 @@ void tst_form::theSlideList_isInOrder()
             { "1-Channel", "2-Channel", "3-Channel", "8-Channel", "Reusable", "Validation", "Prisma Max" }));
 }
 
+void tst_form::theSlideMap_hasNoHeadersBarsEditsOrSelection()
+{
+    const QTableWidget* map = m_ui.tableWidget_SLIDE;
+    QVERIFY(map->horizontalHeader()->isHidden());
+    QVERIFY(map->verticalHeader()->isHidden());
+    QCOMPARE(map->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    QCOMPARE(map->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    QCOMPARE(map->editTriggers(), QAbstractItemView::EditTriggers(QAbstractItemView::NoEditTriggers));
+    QCOMPARE(map->selectionMode(), QAbstractItemView::NoSelection);
+}
+
 void tst_form::workflowButtons_areViolet()
 {
     const QString violet = "font: 11pt \"Sans Serif\";\nbackground-color: rgb(170, 85, 255);";
@@ -179,10 +224,25 @@ void tst_form::workflowButtons_areViolet()
     QCOMPARE(m_ui.pushButton_REFERENCE_Z_SLOPE->styleSheet(), violet);
     QCOMPARE(m_ui.plainTextEdit_RECEIVED_CMD_CONTROLLER->styleSheet(),
         QString("background-color: rgb(255, 255, 255);"));
-    const QString arrow = m_ui.pushButton_MVN_Z->styleSheet();
-    QVERIFY(arrow.contains(":/CountMenu/Live/down.png"));
-    QVERIFY(arrow.contains(":/CountMenu/Live/down_pressed.png"));
-    QVERIFY(arrow.contains(":/CountMenu/Live/down_disabled.png"));
+}
+
+void tst_form::arrowDown_hasAPictureForEachState()
+{
+    const struct {
+        const char* state;
+        const char* picture;
+    } states[] = {
+        { "QPushButton", ":/CountMenu/Live/down.png" },
+        { "QPushButton:pressed", ":/CountMenu/Live/down_pressed.png" },
+        { "QPushButton:disabled", ":/CountMenu/Live/down_disabled.png" },
+    };
+    QString sheet = m_ui.pushButton_MVN_Z->styleSheet();
+    sheet.remove(QRegularExpression("\\s"));
+    for (const auto& state : states) {
+        const QString rule = QString("%1{border-image:url(%2);}").arg(state.state, state.picture);
+        QVERIFY2(sheet.contains(rule), qPrintable(sheet));
+        QVERIFY(!QFile::exists(state.picture)); // so that the style draws none
+    }
 }
 
 void tst_form::buttons_takeNoFocus()
@@ -190,8 +250,35 @@ void tst_form::buttons_takeNoFocus()
     const auto buttons = m_window->findChildren<QPushButton*>();
     for (const QPushButton* button : buttons)
         QCOMPARE(button->focusPolicy(), Qt::NoFocus);
-    QCOMPARE(m_ui.lineEdit_ABS_Z->focusPolicy(), Qt::ClickFocus);
-    QVERIFY(m_ui.lineEdit_ABS_Z->alignment() & Qt::AlignRight);
+}
+
+void tst_form::editableFields_takeAClickAndStandRight()
+{
+    int fields = 0;
+    for (const FormRow& row : kForm) {
+        auto* widget = m_window->findChild<QWidget*>(row.name);
+        const auto* line = qobject_cast<QLineEdit*>(widget);
+        const auto* box = qobject_cast<QAbstractSpinBox*>(widget);
+        if (box == nullptr && (line == nullptr || line->isReadOnly()))
+            continue;
+        ++fields;
+        QVERIFY2(widget->focusPolicy() == Qt::ClickFocus, row.name);
+        // The one text among the numbers is what is typed at the console.
+        if (widget != m_ui.lineEdit_SEND_CMD_CONTROLLER)
+            QVERIFY2((line != nullptr ? line->alignment() : box->alignment()) & Qt::AlignRight, row.name);
+    }
+    QCOMPARE(fields, 25);
+}
+
+void tst_form::windowWithAName_keepsIt()
+{
+    MessageBoxWatcher watcher;
+    QMainWindow window;
+    window.setObjectName("Another");
+    Ui::MainWindow ui;
+    ui.setupUi(&window);
+    QCOMPARE(window.objectName(), QString("Another"));
+    QCOMPARE(window.windowTitle(), QString("TAVO-QR9 Verifier"));
 }
 
 QTEST_MAIN(tst_form)
