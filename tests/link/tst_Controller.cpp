@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QTest>
+#include <QTextCodec>
 
 // A controller as it is made, what it sends, how it knows the board, and searches that find nothing.
 class tst_Controller : public QObject {
@@ -14,10 +15,12 @@ private slots:
     void otherReply_leavesFoundUnset();
     void secondVersionReply_keepsFoundAndIsDelivered();
     void writeCommand_sendsTheLineAsItIs();
+    void text_goesOutInTheLocalEncoding();
     void writeCommand_isLogged();
     void versionQuery_isSentStraight();
     void searchWithoutPorts_failsAfterItsFirstSecond();
     void searchOfPortsThatDoNotOpen_costsASecondEach();
+    void roundOfTheSearch_forgetsWhatWasReceivedBefore();
     void searchStartedDuringASearch_takesItsPlace();
     void searchWithoutPortsAfterASuccess_closesThePort();
 };
@@ -75,6 +78,19 @@ void tst_Controller::writeCommand_sendsTheLineAsItIs()
     QCOMPARE(link.board.receive(expected.size()), expected);
 }
 
+void tst_Controller::text_goesOutInTheLocalEncoding()
+{
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO 8859-15"));
+    Link link;
+    const QByteArray line = "$\xA4\xB5\n"; // the sign of the Euro, and that of a micrometre
+    link.controller.write_command(QString::fromUtf8("$€µ\n"));
+    QTRY_COMPARE(link.controller.m_serialPort->bytesToWrite(), 0);
+    link.board.send("$OK\r\n");
+    link.controller.direct_read(QString::fromUtf8("$€µ\n"));
+    QTextCodec::setCodecForLocale(nullptr);
+    QCOMPARE(link.board.receive(2 * line.size()), line + line);
+}
+
 void tst_Controller::writeCommand_isLogged()
 {
     Link link;
@@ -124,6 +140,15 @@ void tst_Controller::searchOfPortsThatDoNotOpen_costsASecondEach()
     QVERIFY2(clock.elapsed() >= 1980, qPrintable(QString::number(clock.elapsed())));
     QCOMPARE(finished.first(), (QList<QVariant> { false, QString() }));
     QCOMPARE(controller.m_portIndex, 1);
+}
+
+void tst_Controller::roundOfTheSearch_forgetsWhatWasReceivedBefore()
+{
+    Link link;
+    QVERIFY(link.sendInPieces({ "$OK#Z#ST" }));
+    QCOMPARE(link.controller.m_readBuffer, QByteArray("$OK#Z#ST"));
+    link.controller.do_COM_PortFind_Controller();
+    QCOMPARE(link.controller.m_readBuffer, QByteArray());
 }
 
 void tst_Controller::searchStartedDuringASearch_takesItsPlace()
