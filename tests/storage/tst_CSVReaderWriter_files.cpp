@@ -23,6 +23,8 @@ private slots:
     void reverseWriteWithoutRows_makesAnEmptyFile();
 
     void read_appendsEveryLine();
+    void readLine_endsAtTheLineFeedAlone();
+    void readTable_keepsItsHeaderForTheNextWrap();
     void readOfMissingFile_leavesTheRows();
     void readOfFolder_leavesTheRows();
     void readPastTheLimit_keepsAllRows();
@@ -128,6 +130,32 @@ void tst_CSVReaderWriter_files::read_appendsEveryLine()
     table.erase();
     table.read(m_path.c_str());
     QCOMPARE(table.csv(), (Rows { "first", "", "last" }));
+}
+
+void tst_CSVReaderWriter_files::readLine_endsAtTheLineFeedAlone()
+{
+    QFile file(QString::fromStdString(m_path));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("a\r\nb\rc\n");
+    file.close();
+
+    CSVReaderWriter table("header");
+    table.read(m_path.c_str());
+    QCOMPARE(table.csv(), (Rows { "a\r", "b\rc" })); // and no empty row behind the last line end
+}
+
+void tst_CSVReaderWriter_files::readTable_keepsItsHeaderForTheNextWrap()
+{
+    CSVReaderWriter source(100, "header of the file");
+    source.fillDataField("a");
+    source.fillDataField("b");
+    source.write(m_path.c_str());
+
+    CSVReaderWriter table(3, "header");
+    table.erase();
+    table.read(m_path.c_str());
+    table.fillDataField("c");
+    QCOMPARE(table.csv(), (Rows { "header", "b", "c" }));
 }
 
 void tst_CSVReaderWriter_files::readOfMissingFile_leavesTheRows()
