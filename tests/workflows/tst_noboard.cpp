@@ -37,7 +37,11 @@ void tst_noboard::twoBoxes_comeOneAfterTheOther()
         QString("font: 11pt 'Sans Serif'; color : black; background-color : none"));
     QCOMPARE(m_desk->text("lineEdit_COM_PORT_CONTROLLER"), QString("Not found"));
     QVERIFY(!m_desk->isEnabled("tabWidget_CONTROLLER"));
-    QVERIFY(m_desk->log.contains("[Error] :"));
+    QVERIFY(m_desk->log.contains("[Error] :  COM Port [Controller] not find !!!"));
+    QVERIFY(m_desk->log.contains(
+        "void MainWindow::on_pushButton_CONNECT_clicked() m_bConnected_Controller: false"));
+    QCOMPARE(m_desk->text("pushButton_CONNECT"), QString("Connect"));
+    QCOMPARE(m_desk->window().cursor().shape(), Qt::ArrowCursor);
     QCOMPARE(Desk::settings(), QByteArray());
 }
 

@@ -4,6 +4,7 @@
 
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSpinBox>
 
 /// What replies of the board do to the window. The replies are given to the parser as the link delivers them.
@@ -18,6 +19,7 @@ private slots:
     void beforeTheBoardIsFound_nothingIsShownOrParsed();
     void textBeforeTheFirstDollar_isShownAndNotParsed();
     void console_growsAtItsEndAlsoAfterAClick();
+    void console_followsItsEnd();
     void positionReplies_areShown();
     void originReply_shows0Whatever();
     void absReply_showsTheRequestedPosition();
@@ -33,8 +35,8 @@ private slots:
     void negativeAnswer_isShownAndDropped();
     void versionReply_isStoredEachTime();
     void versionReplyBehindAnother_repeatsNothing();
-    void ejectReply_emptiesTheMap();
-    void xAbsReplyWithoutInsert_leavesTheTextsAndEndsTheMove();
+    void recordOfNoDevice_isDropped_data();
+    void recordOfNoDevice_isDropped();
 
 private:
     void reply(const QString& text) { m_desk->window().slot_parsing_protocol_Controller(text); }
@@ -88,6 +90,16 @@ void tst_protocol::console_growsAtItsEndAlsoAfterAClick()
     QVERIFY(hand::clickAt(m_desk->window(), "plainTextEdit_RECEIVED_CMD_CONTROLLER", QPoint(2, 8)));
     reply("$second\r\n");
     QCOMPARE(console(), QString("$first\n$second\n"));
+}
+
+void tst_protocol::console_followsItsEnd()
+{
+    for (int i = 0; i < 100; ++i)
+        reply("$line\r\n");
+    const auto* console = m_desk->widget<QPlainTextEdit>("plainTextEdit_RECEIVED_CMD_CONTROLLER");
+    QVERIFY(console->verticalScrollBar()->maximum() > 0);
+    QVERIFY(console->viewport()->rect().contains(console->cursorRect()));
+    QVERIFY(console->textCursor().atEnd());
 }
 
 void tst_protocol::positionReplies_areShown()
@@ -246,36 +258,28 @@ void tst_protocol::versionReplyBehindAnother_repeatsNothing()
     QCOMPARE(moved.count(), 1);
 }
 
-void tst_protocol::ejectReply_emptiesTheMap()
+void tst_protocol::recordOfNoDevice_isDropped_data()
 {
-    auto* eject = m_desk->window().findChild<QPushButton*>("pushButton_EJECT");
-    eject->setText("~~~");
-    eject->setEnabled(false);
-    reply("$OK#X#STAGE EJECT\r\n");
-    QCOMPARE(eject->text(), QString("Eject"));
-    QVERIFY(eject->isEnabled());
-    QCOMPARE(eject->styleSheet(),
-        QString("font: 11pt 'Sans Serif'; color : black; background-color : rgb(0, 170, 255)"));
-    QVERIFY(m_desk->isEnabled("pushButton_INSERT"));
-    QVERIFY(!m_desk->isEnabled("tableWidget_SLIDE"));
-    QVERIFY(!m_desk->isEnabled("comboBox_SLIDE"));
-    QCOMPARE(m_desk->text("lineEdit_FIELD_CURRENT"), QString("X"));
+    QTest::addColumn<int>("device");
+    QTest::newRow("the main unit") << 0;
+    QTest::newRow("above") << 4;
+    QTest::newRow("below") << -1;
 }
 
-void tst_protocol::xAbsReplyWithoutInsert_leavesTheTextsAndEndsTheMove()
+void tst_protocol::recordOfNoDevice_isDropped()
 {
+    QFETCH(int, device);
     QSignalSpy moved(&m_desk->window(), &MainWindow::sig_finish_X_Stage_Move);
-    auto* insert = m_desk->window().findChild<QPushButton*>("pushButton_INSERT");
-    auto* eject = m_desk->window().findChild<QPushButton*>("pushButton_EJECT");
-    insert->setText("text");
-    eject->setText("other");
-    insert->setEnabled(false);
-    eject->setEnabled(false);
-    reply("$OK#X#STAGE ABS 500\r\n");
-    QVERIFY(insert->isEnabled() && eject->isEnabled());
-    QCOMPARE(insert->text(), QString("text"));
-    QCOMPARE(eject->text(), QString("other"));
-    QCOMPARE(moved.count(), 1);
+    auto* absolute = m_desk->window().findChild<QPushButton*>("pushButton_ABS_Z");
+    auto* box = m_desk->window().findChild<QSpinBox*>("spinBox_FILTER1_CORR");
+    absolute->setText("text");
+    box->setValue(7);
+    for (const int function : { 0, 1, 2, 3, 4, 8, 9, 11 })
+        m_desk->window().do_protocol_function_Controller({ device, function, 1, 1 });
+    QCOMPARE(moved.count(), 0);
+    QCOMPARE(absolute->text(), QString("text"));
+    QCOMPARE(box->value(), 7);
+    absolute->setText("[Z] ABS");
 }
 
 WORKFLOW_MAIN(tst_protocol)
