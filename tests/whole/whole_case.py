@@ -42,14 +42,16 @@ class WholeCase(unittest.TestCase):
     """A test that launches the program in rooms of its own."""
 
     @contextmanager
-    def program_in_room(self, **wishes):
+    def program_in_room(self, furnish=lambda room: None, **wishes):
         """A room in which the program has just been launched, and a technician's hand on it.
 
-        `wishes` are fields of Options. When the block fails its evidence is kept, and its place printed.
+        `furnish` gets the room before the program is launched; `wishes` are fields of Options. When the block fails
+        its evidence is kept, and its place printed.
         """
         options = Options(build=Path(os.environ["QR9_BUILD"]), quick=True, **wishes)
         with Room(options) as room:
             try:
+                furnish(room)
                 room.launch("app/VerifierQR9")
                 yield room, Technician(room)
             except BaseException:

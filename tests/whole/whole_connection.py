@@ -26,6 +26,20 @@ class Connection(WholeCase):
             self.assertIn("!!!!!!!!!!!!!!!!!!!!!!RESTART", room.program.log())
             self.assertNotIn("systemctl restart rc-local.service", room.stub_calls())
 
+    def test_stickThatIsThereAtTheStart_isReleasedOnTheWayOut(self):
+        def plug_in(room):
+            os.symlink("../../sdb1", room.rig / "disk/by-label/FACTORY")
+            os.symlink("../../sdb1", room.rig / "disk/by-uuid/1234-ABCD")
+
+        with self.program_in_room(furnish=plug_in) as (room, hand):
+            room.wait_log(CONNECTED, PATIENCE)
+            mounts = [call for call in room.stub_calls() if "mount" in call]
+            self.assertEqual(mounts[-1:], ["mount /dev/sdb1 /media/FACTORY"])
+            self.leave(room, hand)
+            released = [call for call in room.stub_calls() if "mount" in call][len(mounts):]
+            self.assertEqual(released, ["umount /dev/sdb1"])
+            self.assertEqual(list((room.rig / "root/media").iterdir()), [])
+
     def test_exitInLiveModeOfTheAr0134_endsWell(self):
         with self.program_in_room(camera="arducam") as (room, hand):
             room.wait_log(CONNECTED, PATIENCE)

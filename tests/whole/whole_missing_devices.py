@@ -1,5 +1,7 @@
 """What a technician sees when the board, the camera or the reset program is not there."""
 
+import time
+
 from whole_case import BRING_UP, CONNECTED, PATIENCE, WAY_OUT, WholeCase, main
 
 
@@ -70,6 +72,19 @@ class MissingDevices(WholeCase):
             room.wait_log(CONNECTED, PATIENCE)
             self.leave(room, hand)
             self.assertEqual([call for call in room.stub_calls() if "Reset" in call], [])
+
+    def test_hangingResetProgram_holdsTheStartFor30SecondsAtMost(self):
+        launched = []
+
+        def hang(room):
+            (room.home / "Reset_BaslerCamera").write_text("#!/bin/sh\nexec sleep 600\n")
+            launched.append(time.monotonic())
+
+        with self.program_in_room(furnish=hang) as (room, hand):
+            hand.wait_window(PATIENCE)
+            self.assertTrue(30 <= time.monotonic() - launched[0] < 40, time.monotonic() - launched[0])
+            room.wait_log(CONNECTED, PATIENCE)
+            self.leave(room, hand)
 
 
 if __name__ == "__main__":
