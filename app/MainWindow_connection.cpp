@@ -34,6 +34,9 @@ void MainWindow::on_pushButton_CONNECT_clicked()
     if (m_bConnecting)
         return;
     m_bConnecting = true;
+    // Open since an earlier connection: a panel would wait for ever for an answer of a port under trial. They
+    // open again when the camera has started.
+    ui->tabWidget_CONTROLLER->setEnabled(false);
     ui->pushButton_CONNECT->setText("~~~");
     ui->pushButton_CONNECT->setStyleSheet(styles::kBusy);
     setCursor(Qt::WaitCursor);
@@ -57,13 +60,10 @@ void MainWindow::on_pushButton_CONNECT_clicked()
 bool MainWindow::bringUpUnit()
 {
     if (!m_bConnected_Controller) {
-        // Open since an earlier connection: a panel would wait for ever for a board that is not there.
-        ui->tabWidget_CONTROLLER->setEnabled(false);
         showError(this, "Fail CONTROLLER connect !");
         return false;
     }
     if (!initialize_Controller()) {
-        ui->tabWidget_CONTROLLER->setEnabled(false);
         showError(this, "Fail CONTROLLER initialize !");
         return false;
     }

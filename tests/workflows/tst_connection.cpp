@@ -20,6 +20,7 @@ private slots:
     void whileSearching_buttonIsBusyAndExitHidden();
     void withoutSettings_theFileHoldsOnlyWhatTheConnectionWrites();
     void secondPress_runsTheWholeSequenceAgain();
+    void whileSearchingAgain_panelsAreOutOfReach();
     void pressDuringTheSequence_doesNothing();
     void emptyAnswerDuringBringUp_failsInitialize_data();
     void emptyAnswerDuringBringUp_failsInitialize();
@@ -178,6 +179,17 @@ void tst_connection::secondPress_runsTheWholeSequenceAgain()
     QVERIFY(m_desk->log.contains("@ [Basler] CAMERA connected...", logMark));
     QCOMPARE(m_desk->rig.sentSince(mark), linesOfConnection());
     QVERIFY(m_desk->boxes.boxes().isEmpty());
+    QVERIFY(m_desk->isEnabled("tabWidget_CONTROLLER"));
+}
+
+void tst_connection::whileSearchingAgain_panelsAreOutOfReach()
+{
+    // The port under trial may be one that never answers: a panel would wait for it for ever.
+    QVERIFY(m_desk->connectUnit());
+    bool tabsEnabled = true;
+    DuringSearch look(*m_desk, [&] { tabsEnabled = m_desk->isEnabled("tabWidget_CONTROLLER"); });
+    QVERIFY(hand::click(m_desk->window(), "pushButton_CONNECT"));
+    QVERIFY(!tabsEnabled);
     QVERIFY(m_desk->isEnabled("tabWidget_CONTROLLER"));
 }
 
