@@ -41,14 +41,6 @@ void run(const QString& program, const QStringList& arguments)
     delete process;
 }
 
-/// Whether the device, or a mount on the folder, is gone from the list of mounts. A list that cannot be read
-/// tells nothing, and who is told of an unmounted stick pulls it.
-bool isSurelyUnmounted(const QString& deviceOrMountPoint)
-{
-    const MountTable table;
-    return table.isReadable() && !table.contains(deviceOrMountPoint);
-}
-
 storage_t newStorage(const QString& device, const QMap<QString, QString>& labels)
 {
     storage_t storage;
@@ -182,7 +174,7 @@ bool MediaMonitor::mount(QString device, QString label, QString& mountPoint)
 bool MediaMonitor::umount(std::list<storage_t>::iterator storage)
 {
     run("umount", { storage->device });
-    if (!isSurelyUnmounted(storage->device)) {
+    if (isMounted(storage->device)) {
         return false;
     }
     media_folder::removeEmpty(storage->mountPoint);
@@ -194,7 +186,7 @@ bool MediaMonitor::umount(std::list<storage_t>::iterator storage)
 bool MediaMonitor::umount(QString mountPoint)
 {
     run("umount", { mountPoint });
-    if (!isSurelyUnmounted(mountPoint)) {
+    if (isMounted(mountPoint)) {
         return false;
     }
     media_folder::removeEmpty(mountPoint);

@@ -39,7 +39,8 @@ public:
     /// mounts the device on it. A failure leaves no folder behind.
     bool mount(std::list<storage_t>::iterator storage);
     bool mount(QString device, QString label, QString& mountPoint);
-    /// Unmounts and removes the folder. False when it is still mounted afterwards, or that cannot be known.
+    /// Unmounts and removes the folder. False when it is still mounted afterwards; a list of
+    /// mounts that cannot be read does not say so, and counts as unmounted.
     bool umount(std::list<storage_t>::iterator storage);
     bool umount(QString mountPoint);
 

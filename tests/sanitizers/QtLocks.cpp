@@ -1,9 +1,9 @@
-// What ThreadSanitizer must know of Qt's locks and threads. The system's Qt is built without it, and its mutexes
-// are made of atomics and futexes that the sanitizer cannot see, nor is a thread that it starts ever joined by
-// the C library: without help, everything that a QMutex guards or a QThread::wait() orders would look like a
-// race, and a suppression broad enough to hide that would hide the real ones with it. The functions below stand
-// in front of Qt's own (the program's symbols come before those of its libraries) and tell what each of them
-// orders.
+// What ThreadSanitizer must know of Qt's locks and threads. The system's Qt is built without it, and its
+// mutexes are made of atomics and futexes that the sanitizer cannot see, nor is a thread that it starts ever
+// joined by the C library: without help, everything that a QMutex guards or a QThread::wait() orders would
+// look like a race, and a suppression broad enough to hide that would hide the real ones with it. The
+// functions below stand in front of Qt's own (the program's symbols come before those of its libraries) and
+// tell what each of them orders.
 #include <QDeadlineTimer>
 #include <QMutex>
 #include <QThread>
