@@ -1,5 +1,8 @@
 #include "tests/workflows/FocusTest.h"
 
+#include <QCheckBox>
+#include <QFileDialog>
+
 void FocusTest::init()
 {
     Desk::removeSettings();
@@ -14,11 +17,37 @@ void FocusTest::cleanup()
     m_desk.reset();
 }
 
+/// A watched run asks for its folder first.
+int FocusTest::boxesOfARun()
+{
+    return m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG")->isChecked() ? 2 : 1;
+}
+
 bool FocusTest::run()
 {
-    const int before = m_desk->boxes.boxes().size();
-    return hand::click(m_desk->window(), "pushButton_AUTOFOCUS")
-        && m_desk->boxes.waitForBoxes(before + 1, 60000);
+    const int boxes = m_desk->boxes.boxes().size() + boxesOfARun();
+    return hand::click(m_desk->window(), "pushButton_AUTOFOCUS") && m_desk->boxes.waitForBoxes(boxes, 60000);
+}
+
+bool FocusTest::runFine()
+{
+    const int boxes = m_desk->boxes.boxes().size() + boxesOfARun();
+    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
+    return m_desk->boxes.waitForBoxes(boxes, 60000);
+}
+
+void FocusTest::watchInto(const QString& folder)
+{
+    m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG")->setChecked(true);
+    m_desk->boxes.handleNext([folder](QDialog& dialog) {
+        auto* files = qobject_cast<QFileDialog*>(&dialog);
+        if (files == nullptr)
+            QFAIL("not a file dialog");
+        QVERIFY(files->testOption(QFileDialog::ShowDirsOnly));
+        files->setDirectory(folder);
+        files->selectFile(folder);
+        dialog.done(QDialog::Accepted);
+    });
 }
 
 int FocusTest::stored(const QString& label) const

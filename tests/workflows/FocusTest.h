@@ -10,6 +10,10 @@ class FocusTest : public QObject {
 protected:
     /// Presses AF and waits for the run's box to have been answered.
     bool run();
+    /// The same for the fine run alone, around the reference, which has no button.
+    bool runFine();
+    /// Ticks the box for debug output, and gives this folder when the next run asks for one.
+    void watchInto(const QString& folder);
     /// Position behind the last log line of a step; 0 where there is none.
     int stored(const QString& label) const;
 
@@ -18,6 +22,9 @@ protected:
 protected slots:
     void init();
     void cleanup();
+
+private:
+    int boxesOfARun();
 };
 
 /// Lines that a run sends to the board.

@@ -44,8 +44,7 @@ void tst_autofocus::coarseRun_makesTheseMoves()
 void tst_autofocus::fineRun_makesTheseMoves()
 {
     const int mark = m_desk->rig.mark();
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(runFine());
     const int best = stored("[2]");
     QStringList expected { kPos, step(460), direction("PLUS"), kRun };
     expected << direction("MINUS") << step(115) << repeated(kRun, 7);
@@ -105,8 +104,7 @@ void tst_autofocus::everyRun_startsFromTheStoredReference()
 {
     QVERIFY(run());
     const int mark = m_desk->rig.mark();
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(2, 60000));
+    QVERIFY(runFine());
     QVERIFY(m_desk->rig.sentSince(mark).contains(absolute(32460)));
     QCOMPARE(m_desk->text("lineEdit_REFERENCE_AUTOFOCUS"), QString("32000"));
 }
@@ -115,8 +113,7 @@ void tst_autofocus::stageAtTheStart_isSentAStepOf0Down()
 {
     QVERIFY(m_desk->rig.set("z", 32460));
     const int mark = m_desk->rig.mark();
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(runFine());
     QCOMPARE(m_desk->rig.sentSince(mark).mid(0, 4), QStringList({ kPos, step(0), direction("MINUS"), kRun }));
 }
 
@@ -156,8 +153,7 @@ void tst_autofocus::equalSamples_firstOneWins()
 {
     // The camera gives no frame any more: the buffer, and so every value, stays as it is.
     QVERIFY(m_desk->rig.fault("unplug"));
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(runFine());
     // The first frame stands one step below the start, at the top of the scan.
     QCOMPARE(stored("[2]"), 32345);
 }

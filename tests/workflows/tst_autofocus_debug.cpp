@@ -18,18 +18,8 @@ private slots:
 void tst_autofocus_debug::debugFolder_holdsPicturesAndTables()
 {
     QTemporaryDir folder;
-    m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG")->setChecked(true);
-    m_desk->boxes.handleNext([&](QDialog& dialog) {
-        auto* files = qobject_cast<QFileDialog*>(&dialog);
-        if (files == nullptr)
-            QFAIL("not a file dialog");
-        QVERIFY(files->testOption(QFileDialog::ShowDirsOnly));
-        files->setDirectory(folder.path());
-        files->selectFile(folder.path());
-        dialog.done(QDialog::Accepted);
-    });
-    QVERIFY(hand::click(m_desk->window(), "pushButton_AUTOFOCUS"));
-    QVERIFY(m_desk->boxes.waitForBoxes(2, 60000));
+    watchInto(folder.path());
+    QVERIFY(run());
     QVERIFY(m_desk->log.contains("m_strAutofocusing:"));
 
     const struct {
@@ -78,15 +68,8 @@ void tst_autofocus_debug::debugFolderUsedTwice_isWrittenOver()
     QVERIFY(old.open(QIODevice::WriteOnly));
     old.write(QByteArray(10000, 'x'));
     old.close();
-    m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG")->setChecked(true);
-    m_desk->boxes.handleNext([&](QDialog& dialog) {
-        auto* files = qobject_cast<QFileDialog*>(&dialog);
-        files->setDirectory(folder.path());
-        files->selectFile(folder.path());
-        dialog.done(QDialog::Accepted);
-    });
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(2, 60000));
+    watchInto(folder.path());
+    QVERIFY(runFine());
     QVERIFY(old.open(QIODevice::ReadOnly));
     QCOMPARE(old.readAll().split('\n').size(), 8);
     QVERIFY(!QDir(folder.filePath("step1")).exists());
@@ -96,8 +79,7 @@ void tst_autofocus_debug::cancelledDialog_runsWithoutDebugOutput()
 {
     m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG")->setChecked(true);
     m_desk->boxes.handleNext([](QDialog& dialog) { dialog.reject(); });
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(2, 60000));
+    QVERIFY(runFine());
     QVERIFY(!m_desk->log.contains("m_strAutofocusing:"));
     QCOMPARE(m_desk->boxes.texts().last(), QString("finish auto focusing !"));
 }

@@ -1,8 +1,7 @@
 #include "tests/workflows/BoardLog.h"
-#include "tests/workflows/Desk.h"
+#include "tests/workflows/FocusTest.h"
 
 #include <QCheckBox>
-#include <QFileDialog>
 #include <QSpinBox>
 #include <QTemporaryDir>
 
@@ -12,13 +11,10 @@
 
 /// The frames of the focus search: when they are taken, who gets them, where they stay, and what of a run
 /// outlives it.
-class tst_autofocus_frames : public QObject {
+class tst_autofocus_frames : public FocusTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void everyFrame_waitsForTheExposureOfTheBoxAnd50Ms();
     void everyFrame_isLoggedWithCountPositionAndValue();
     void coarseRun_logsTheBeginningOfBothSteps();
@@ -31,33 +27,8 @@ private slots:
     void nextStart_forgetsTheDebugFolder();
 
 private:
-    bool runFine();
     int measuredSince(int logMark) const { return m_desk->log.lines(logMark).filter(" val: ").size(); }
-
-    std::unique_ptr<Desk> m_desk;
 };
-
-void tst_autofocus_frames::init()
-{
-    Desk::removeSettings();
-    m_desk.reset(new Desk);
-    QVERIFY(m_desk->connectUnit());
-    QVERIFY(m_desk->rig.set("x", 30931)); // a field of cells
-    QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_STAGE"));
-}
-
-void tst_autofocus_frames::cleanup()
-{
-    m_desk.reset();
-}
-
-/// A fine run around the reference, which is 32000 without settings, until its box has been answered.
-bool tst_autofocus_frames::runFine()
-{
-    const int before = m_desk->boxes.boxes().size();
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    return m_desk->boxes.waitForBoxes(before + 1, 60000);
-}
 
 void tst_autofocus_frames::everyFrame_waitsForTheExposureOfTheBoxAnd50Ms()
 {
@@ -92,8 +63,7 @@ void tst_autofocus_frames::everyFrame_isLoggedWithCountPositionAndValue()
 
 void tst_autofocus_frames::coarseRun_logsTheBeginningOfBothSteps()
 {
-    QVERIFY(hand::click(m_desk->window(), "pushButton_AUTOFOCUS"));
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(run());
     QCOMPARE(m_desk->log.lines().filter("beginAutoFocusing_Step"),
         (QStringList {
             "void MainWindow::beginAutoFocusing_Step1()", "void MainWindow::beginAutoFocusing_Step2()" }));
@@ -182,30 +152,20 @@ void tst_autofocus_frames::buttonAfterASilentRun_showsItsBoxAgain()
 {
     QVERIFY(m_desk->window().focusSilently(false));
     QVERIFY(m_desk->boxes.boxes().isEmpty());
-    QVERIFY(hand::click(m_desk->window(), "pushButton_AUTOFOCUS"));
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(run());
     QCOMPARE(m_desk->boxes.texts(), QStringList { "finish auto focusing !" });
 }
 
 void tst_autofocus_frames::nextStart_forgetsTheDebugFolder()
 {
     QTemporaryDir folder;
-    auto* const debug = m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG");
-    debug->setChecked(true);
-    m_desk->boxes.handleNext([&](QDialog& dialog) {
-        auto* files = qobject_cast<QFileDialog*>(&dialog);
-        files->setDirectory(folder.path());
-        files->selectFile(folder.path());
-        dialog.done(QDialog::Accepted);
-    });
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(2, 60000));
+    watchInto(folder.path());
+    QVERIFY(runFine());
     const QDir output(folder.filePath("step2"));
     QCOMPARE(output.entryList(QDir::Files).size(), 7 + 1);
     QVERIFY(QDir(output).removeRecursively());
-    debug->setChecked(false);
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(3, 60000));
+    m_desk->widget<QCheckBox>("checkBox_AUTOFOCUS_DEBUG")->setChecked(false);
+    QVERIFY(runFine());
     QVERIFY(!output.exists());
 }
 

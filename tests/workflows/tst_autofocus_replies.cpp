@@ -18,8 +18,7 @@ void tst_autofocus_replies::staleReply_isThrownAwayAndTheCommandSentAgain()
     // An echo where a position was asked for has three fields instead of four.
     QVERIFY(m_desk->rig.fault("noise", kPos, 1, "$OK#Z#STAGE STOP\r\n"));
     const int mark = m_desk->rig.mark();
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(runFine());
     const QStringList sent = m_desk->rig.sentSince(mark);
     QCOMPARE(sent.mid(0, 3), QStringList({ kPos, kPos, step(460) }));
 }
@@ -28,8 +27,7 @@ void tst_autofocus_replies::emptyReplyAtTheBeginningOfAScan_goesToTheLastStep()
 {
     QVERIFY(m_desk->rig.fault("nul", step(115)));
     const int mark = m_desk->rig.mark();
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(runFine());
     QStringList expected { kPos, step(460), direction("PLUS"), kRun, direction("MINUS"), step(115) };
     expected << direction("MINUS") << step(115) << kRun;
     QCOMPARE(m_desk->rig.sentSince(mark), expected);
@@ -41,8 +39,7 @@ void tst_autofocus_replies::emptyReplyAtTheLastStep_isRepeated()
     // Both of the scan's beginning and the first two of the last step.
     QVERIFY(m_desk->rig.fault("nul", direction("MINUS"), 3));
     const int mark = m_desk->rig.mark();
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(runFine());
     QStringList expected { kPos, step(460), direction("PLUS"), kRun };
     expected << repeated(direction("MINUS"), 4) << step(115) << kRun;
     QCOMPARE(m_desk->rig.sentSince(mark), expected);
@@ -51,11 +48,9 @@ void tst_autofocus_replies::emptyReplyAtTheLastStep_isRepeated()
 void tst_autofocus_replies::runAfterAnEarlyEnd_measuresEachFrameOnce()
 {
     QVERIFY(m_desk->rig.fault("nul", step(115)));
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(1, 60000));
+    QVERIFY(runFine());
     const int logMark = m_desk->log.mark();
-    m_desk->window().pushButton_AUTOFOCUS_clicked(false);
-    QVERIFY(m_desk->boxes.waitForBoxes(2, 60000));
+    QVERIFY(runFine());
     QCOMPARE(m_desk->log.lines(logMark).filter("val:").size(), 7);
 }
 
