@@ -5,11 +5,17 @@
 
 /// A camera on a scripted device.
 struct CameraBench {
-    /// As the frame source does it, but without handlers.
-    void setUp(uint bits = 8)
+    /// Open, and told nothing yet. As the frame source does it, but without handlers.
+    void open()
     {
         camera.connect(nullptr, nullptr);
         camera.open();
+        server.forgetRequests();
+    }
+
+    void setUp(uint bits = 8)
+    {
+        open();
         camera.initalize(1280, 960, bits, map);
         server.forgetRequests();
     }

@@ -38,9 +38,7 @@ private slots:
         bench.server.setModel(model.toStdString());
         bench.server.setFeature("CenterX", 0, 0, 1);
         bench.server.setFeature("CenterY", 0, 0, 1);
-        bench.camera.connect(nullptr, nullptr);
-        bench.camera.open();
-        bench.server.forgetRequests();
+        bench.open();
         bench.camera.initalize(1280, 960, bits, bench.map);
 
         Requests expected { "Set ExposureAuto 0", "Set GainAuto 0", "Set Width 1280", "Set Height 960" };
@@ -97,9 +95,7 @@ private slots:
         QFETCH(QString, missing);
         CameraBench bench;
         bench.server.removeFeature(missing.toStdString());
-        bench.camera.connect(nullptr, nullptr);
-        bench.camera.open();
-        bench.server.forgetRequests();
+        bench.open();
         bench.map.modelName = "untouched";
         QVERIFY(throws([&] { bench.camera.initalize(1280, 960, 8, bench.map); }));
         const DeviceNodeMap facts = bench.camera.device_node_map();
@@ -122,8 +118,7 @@ private slots:
         bench.server.setModel("boA4096-93cm");
         bench.server.removeFeature("Gain");
         bench.server.removeFeature("ExposureTime");
-        bench.camera.connect(nullptr, nullptr);
-        bench.camera.open();
+        bench.open();
         QVERIFY(!throws([&] { bench.camera.initalize(1280, 960, 8, bench.map); }));
         QCOMPARE(bench.camera.device_node_map().widthMax, 1280);
     }
@@ -143,8 +138,7 @@ private slots:
     void initalize_hugeRequest_isClamped()
     {
         CameraBench bench;
-        bench.camera.connect(nullptr, nullptr);
-        bench.camera.open();
+        bench.open();
         bench.camera.initalize(std::numeric_limits<uint>::max(), 0, 8, bench.map);
         QCOMPARE(bench.map.width, 1280);
         QCOMPARE(bench.map.height, 16);
@@ -162,9 +156,7 @@ private slots:
         QFETCH(QString, model);
         CameraBench bench;
         bench.server.setModel(model.toStdString());
-        bench.camera.connect(nullptr, nullptr);
-        bench.camera.open();
-        bench.server.forgetRequests();
+        bench.open();
         bench.map.width = -7;
         bench.map.modelName = "untouched";
         bench.camera.initalize(1280, 960, 8, bench.map);
@@ -201,8 +193,7 @@ private slots:
         QFETCH(QString, node);
         CameraBench bench;
         bench.server.removeFeature(node.toStdString());
-        bench.camera.connect(nullptr, nullptr);
-        bench.camera.open();
+        bench.open();
         QVERIFY(throws([&] { bench.camera.initalize(1280, 960, 8, bench.map); }));
     }
 
@@ -214,8 +205,7 @@ private slots:
         bench.server.setFeature("CenterX", 0, 0, 1);
         bench.server.setFeature("CenterY", 0, 0, 1);
         bench.server.removeFeature("OverlapMode");
-        bench.camera.connect(nullptr, nullptr);
-        bench.camera.open();
+        bench.open();
         QVERIFY(throws([&] { bench.camera.initalize(1280, 960, 8, bench.map); }));
         QCOMPARE(bench.server.requests().back(), std::string("Set ReverseY 0"));
     }

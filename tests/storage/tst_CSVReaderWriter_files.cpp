@@ -34,6 +34,7 @@ private:
     QByteArray written(const CSVReaderWriter& table) const;
     QByteArray reverseWritten(const CSVReaderWriter& table) const;
     QByteArray contents() const;
+    void put(const QByteArray& text) const;
 
     QTemporaryDir m_folder;
     std::string m_path = m_folder.filePath("table.csv").toStdString();
@@ -43,6 +44,13 @@ QByteArray tst_CSVReaderWriter_files::contents() const
 {
     QFile file(QString::fromStdString(m_path));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : "no file";
+}
+
+void tst_CSVReaderWriter_files::put(const QByteArray& text) const
+{
+    QFile file(QString::fromStdString(m_path));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(text);
 }
 
 QByteArray tst_CSVReaderWriter_files::written(const CSVReaderWriter& table) const
@@ -118,11 +126,7 @@ void tst_CSVReaderWriter_files::reverseWriteWithoutRows_makesAnEmptyFile()
 
 void tst_CSVReaderWriter_files::read_appendsEveryLine()
 {
-    QFile file(QString::fromStdString(m_path));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("first\n\nlast");
-    file.close();
-
+    put("first\n\nlast");
     CSVReaderWriter table(100, "header");
     table.read(m_path.c_str());
     QCOMPARE(table.csv(), (Rows { "header", "first", "", "last" }));
@@ -134,11 +138,7 @@ void tst_CSVReaderWriter_files::read_appendsEveryLine()
 
 void tst_CSVReaderWriter_files::readLine_endsAtTheLineFeedAlone()
 {
-    QFile file(QString::fromStdString(m_path));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("a\r\nb\rc\n");
-    file.close();
-
+    put("a\r\nb\rc\n");
     CSVReaderWriter table("header");
     table.read(m_path.c_str());
     QCOMPARE(table.csv(), (Rows { "a\r", "b\rc" })); // and no empty row behind the last line end
@@ -146,11 +146,7 @@ void tst_CSVReaderWriter_files::readLine_endsAtTheLineFeedAlone()
 
 void tst_CSVReaderWriter_files::readTable_keepsItsHeaderForTheNextWrap()
 {
-    CSVReaderWriter source(100, "header of the file");
-    source.fillDataField("a");
-    source.fillDataField("b");
-    source.write(m_path.c_str());
-
+    put("header of the file\na\nb");
     CSVReaderWriter table(3, "header");
     table.erase();
     table.read(m_path.c_str());
@@ -174,11 +170,7 @@ void tst_CSVReaderWriter_files::readOfFolder_leavesTheRows()
 
 void tst_CSVReaderWriter_files::readPastTheLimit_keepsAllRows()
 {
-    CSVReaderWriter source(100, "1");
-    source.fillDataField("2");
-    source.fillDataField("3");
-    source.write(m_path.c_str());
-
+    put("1\n2\n3");
     CSVReaderWriter table(2, "header");
     table.read(m_path.c_str());
     QCOMPARE(table.csv(), (Rows { "header", "1", "2", "3" }));

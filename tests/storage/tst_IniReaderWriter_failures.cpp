@@ -59,6 +59,8 @@ private slots:
     void diskThatRunsFullAtAnyByte_losesNothingAndStoresNothingLater();
 
 private:
+    void putInFolderOfOrdinaryUser(const QByteArray& text) const;
+    void giveFileToOrdinaryUser(mode_t mode) const;
     void compareUnchangedAfterFailedWrite(const QByteArray& before) const;
 
     std::unique_ptr<SettingsFolder> m_settings;
@@ -99,6 +101,19 @@ void tst_IniReaderWriter_failures::folderInPlaceOfTheFile_staysAsItIs()
     QVERIFY(QDir(m_settings->name()).isEmpty());
 }
 
+/// The file itself stays root's.
+void tst_IniReaderWriter_failures::putInFolderOfOrdinaryUser(const QByteArray& text) const
+{
+    m_settings->put(text);
+    QCOMPARE(chown(qPrintable(m_settings->folder()), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
+}
+
+void tst_IniReaderWriter_failures::giveFileToOrdinaryUser(mode_t mode) const
+{
+    QCOMPARE(chown(m_settings->path().c_str(), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
+    QCOMPARE(chmod(m_settings->path().c_str(), mode), 0);
+}
+
 /// Nothing of the failed write may come up: not in a read, not in the file, not with the next write.
 void tst_IniReaderWriter_failures::compareUnchangedAfterFailedWrite(const QByteArray& before) const
 {
@@ -111,8 +126,7 @@ void tst_IniReaderWriter_failures::compareUnchangedAfterFailedWrite(const QByteA
 void tst_IniReaderWriter_failures::readOnlyFolder_losesNothingAndStoresNothingLater()
 {
     const QByteArray before = "[Group]\nkey=old\n";
-    m_settings->put(before);
-    QCOMPARE(chown(qPrintable(m_settings->folder()), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
+    putInFolderOfOrdinaryUser(before);
     QCOMPARE(chmod(qPrintable(m_settings->folder()), 0555), 0);
     {
         const OrdinaryUser user;
@@ -130,10 +144,8 @@ void tst_IniReaderWriter_failures::readOnlyFolder_losesNothingAndStoresNothingLa
 void tst_IniReaderWriter_failures::readOnlyFile_losesNothingAndStoresNothingLater()
 {
     const QByteArray before = "[Group]\nkey=old\n";
-    m_settings->put(before);
-    QCOMPARE(chown(qPrintable(m_settings->folder()), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
-    QCOMPARE(chown(m_settings->path().c_str(), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
-    QCOMPARE(chmod(m_settings->path().c_str(), 0444), 0);
+    putInFolderOfOrdinaryUser(before);
+    giveFileToOrdinaryUser(0444);
     {
         const OrdinaryUser user;
         QVERIFY(user.isGood());
@@ -150,10 +162,8 @@ void tst_IniReaderWriter_failures::readOnlyFile_losesNothingAndStoresNothingLate
 void tst_IniReaderWriter_failures::unreadableFile_yieldsTheDefaultAndIsNotOverwritten()
 {
     const QByteArray before = "[Group]\nkey=old\n";
-    m_settings->put(before);
-    QCOMPARE(chown(qPrintable(m_settings->folder()), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
-    QCOMPARE(chown(m_settings->path().c_str(), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
-    QCOMPARE(chmod(m_settings->path().c_str(), 0), 0);
+    putInFolderOfOrdinaryUser(before);
+    giveFileToOrdinaryUser(0);
     {
         const OrdinaryUser user;
         QVERIFY(user.isGood());
@@ -169,10 +179,8 @@ void tst_IniReaderWriter_failures::fileThatCanOnlyBeWritten_isNotOverwritten()
 {
     // What could not be read would be lost.
     const QByteArray before = "[Group]\nkey=old\n";
-    m_settings->put(before);
-    QCOMPARE(chown(qPrintable(m_settings->folder()), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
-    QCOMPARE(chown(m_settings->path().c_str(), OrdinaryUser::id(), static_cast<gid_t>(-1)), 0);
-    QCOMPARE(chmod(m_settings->path().c_str(), 0222), 0);
+    putInFolderOfOrdinaryUser(before);
+    giveFileToOrdinaryUser(0222);
     {
         const OrdinaryUser user;
         QVERIFY(user.isGood());
