@@ -150,10 +150,9 @@ void AR0134::setReverse(bool reverseX, bool reverseY)
 void AR0134::setPedestal(uint16_t pedestal)
 {
     QMutexLocker lock(&m_mutex);
-    if (m_handle == nullptr) {
-        return;
-    }
-    const Uint32 code = ArduCam_writeSensorReg(m_handle, ar0134::REG_PEDESTAL, pedestal);
+    // A closed camera has no register, and the call is told in the log all the same.
+    const Uint32 code = m_handle != nullptr ? ArduCam_writeSensorReg(m_handle, ar0134::REG_PEDESTAL, pedestal)
+                                            : USB_CAMERA_NO_ERROR;
     lock.unlock();
     qDebug() << Q_FUNC_INFO << pedestal;
     if (code != USB_CAMERA_NO_ERROR) {

@@ -1,4 +1,5 @@
 #include "tests/camera/Ar0134Tests.h"
+#include "tests/support/LogCapture.h"
 
 #include <QtTest>
 
@@ -114,6 +115,25 @@ private slots:
     {
         m_camera->setPedestal(168);
         QVERIFY(m_board->requests() == Requests { ScriptedBoard::write(0x301E, 168) });
+    }
+
+    void pedestal_isLoggedOnAClosedCameraToo_data()
+    {
+        QTest::addColumn<bool>("closed");
+        QTest::newRow("open") << false;
+        QTest::newRow("closed") << true;
+    }
+    void pedestal_isLoggedOnAClosedCameraToo()
+    {
+        QFETCH(bool, closed);
+        if (closed)
+            m_camera->closeCamera();
+        m_board->forgetRequests();
+        const LogCapture log;
+        m_camera->setPedestal(42);
+        QCOMPARE(log.lines(), QStringList { "void AR0134::setPedestal(uint16_t) 42" });
+        QCOMPARE(m_board->requests().empty(), closed);
+        QVERIFY(errors().isEmpty());
     }
 
     void exposureNotRead_isError1()
