@@ -161,6 +161,22 @@ private slots:
 
     void instance_isNullUntilASourceHasSetIt() { QVERIFY(FrameDelivery::m_pInstance == nullptr); }
 
+    void scratchPicture_isEmptyUntilAnIntensityIsMeasured()
+    {
+        // Protected in the contract; here it has a name.
+        struct Source : FakeSource {
+            using FrameDelivery::m_frameMat;
+        };
+        Source source;
+        QVERIFY(source.m_frameMat.empty());
+        QVERIFY(source.m_frameMat.data == nullptr);
+        source.current = cv::Mat(FrameDelivery::kFrameHeight, FrameDelivery::kFrameWidth, CV_8UC1, 90);
+        QVERIFY(source.m_frameMat.empty());
+        source.IntensityUpdate();
+        QCOMPARE(cv::norm(source.m_frameMat, source.current, cv::NORM_INF), 0.0);
+        QVERIFY(source.m_frameMat.data != source.current.data);
+    }
+
     void metaObject_hasTheSignalsAndTheOneSlotInOrder()
     {
         const QMetaObject& meta = FrameDelivery::staticMetaObject;
