@@ -124,8 +124,11 @@ void MainWindow::check_CameraConnection()
         showError(this, "Check if the CAMERA is present !");
 
     m_bConnected_Camera = FrameDelivery::m_pInstance != nullptr && FrameDelivery::m_pInstance->isRunning();
-    if (!m_bConnected_Camera)
+    if (!m_bConnected_Camera) {
+        // The gate of all panels opens for a running camera alone, and a start that failed has opened it.
+        ui->tabWidget_CONTROLLER->setEnabled(false);
         showError(this, "Check CAMERA connection !");
+    }
     qDebug() << Q_FUNC_INFO << m_CAM_type << text(m_bConnected_Camera);
 }
 
