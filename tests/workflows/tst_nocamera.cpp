@@ -1,5 +1,8 @@
 #include "tests/workflows/Desk.h"
 
+#include <QSlider>
+#include <QSpinBox>
+
 /// No camera on the bus: the board is brought up all the same, and the panels stay out of reach.
 class tst_nocamera : public QObject {
     Q_OBJECT
@@ -13,6 +16,8 @@ private slots:
     void window_showsAConnectedBoardAndClosedTabs();
     void boxesBesideThePicture_arePassedToNobody();
     void secondAttempt_tellsTheSameAgain();
+    void set_storesNoFluorescenceGain_data();
+    void set_storesNoFluorescenceGain();
     void exit_sendsItsCommands();
 
 private:
@@ -84,6 +89,47 @@ void tst_nocamera::secondAttempt_tellsTheSameAgain()
     QCOMPARE(m_desk->boxes.texts().mid(3), m_texts);
     QCOMPARE(m_desk->rig.sentSince(mark), linesOfConnection());
     QVERIFY(!m_desk->isEnabled("tabWidget_CONTROLLER"));
+}
+
+void tst_nocamera::set_storesNoFluorescenceGain_data()
+{
+    QTest::addColumn<QString>("channel");
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    QTest::newRow("BF") << "BF" << QByteArray()
+                        << QByteArray("[Ch. BF]\nGain=6\nExposure=45\nLED1=11\nLED2=12\n");
+    QTest::newRow("GFP") << "GFP" << QByteArray() << QByteArray("[Ch. GFP]\nExposure=45\nLED=11\n");
+    QTest::newRow("RFP") << "RFP" << QByteArray() << QByteArray("[Ch. RFP]\nExposure=45\nLED=11\n");
+    QTest::newRow("GFP, stored gains stay")
+        << "GFP" << QByteArray("[Ch. GFP]\nGain=7\nGain AR=8\n")
+        << QByteArray("[Ch. GFP]\nExposure=45\nGain=7\nGain AR=8\nLED=11\n");
+}
+
+/// Where the camera is of no known kind a fluorescence gain has no key of its own.
+void tst_nocamera::set_storesNoFluorescenceGain()
+{
+    QFETCH(QString, channel);
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    if (before.isEmpty())
+        Desk::removeSettings();
+    else
+        Desk::putSettings(before);
+    MainWindow& window = m_desk->window();
+    // The pages are out of reach of a hand.
+    if (channel == "BF")
+        window.on_pushButton_ILLUMINATION_BF_clicked();
+    else if (channel == "GFP")
+        window.on_pushButton_ILLUMINATION_GFP_clicked();
+    else
+        window.on_pushButton_ILLUMINATION_RFP_clicked();
+    m_desk->widget<QSlider>("horizontalSlider_GAIN")->setValue(65);
+    m_desk->widget<QSlider>("horizontalSlider_EXPOSURE")->setValue(45);
+    m_desk->widget<QSpinBox>("spinBox_LED1")->setValue(11);
+    m_desk->widget<QSpinBox>("spinBox_LED2")->setValue(12);
+    window.on_pushButton_ILLUMINATION_SET_clicked();
+    QCOMPARE(sortedLines(Desk::settings()), sortedLines(after));
+    window.on_pushButton_ILLUMINATION_BF_clicked();
 }
 
 void tst_nocamera::exit_sendsItsCommands()
