@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr double neonAlpha = 2.0;
-constexpr int tenengradAperture = 3;
+constexpr double kNeonAlpha = 2.0;
+constexpr int kTenengradAperture = 3;
 
 /// Whether the kernels may read the pixels as one packed 8-bit frame.
 bool isPackedFrame(const cv::Mat& image)
@@ -38,11 +38,11 @@ double alg_autoFocus::get_focusValue(ALG_focus mode, unsigned char* image, int w
 
     switch (mode) {
     case ALG_FOCUS_NEON_TRILLOM:
-        return neonTRILLOM(frame, neonAlpha, width, height);
+        return neonTRILLOM(frame, kNeonAlpha, width, height);
     case ALG_FOCUS_LAPLACIAN:
         return varianceOfLaplacian(frame);
     case ALG_FOCUS_TENENGRAD:
-        return tenengrad(frame, tenengradAperture);
+        return tenengrad(frame, kTenengradAperture);
     }
     return -1.0;
 }
@@ -63,7 +63,7 @@ double alg_autoFocus::varianceOfLaplacian(const cv::Mat& image) const
 
 double alg_autoFocus::tenengrad(const cv::Mat& image, int ksize) const
 {
-    if (ksize == tenengradAperture && isWholePackedFrame(image))
+    if (ksize == kTenengradAperture && isWholePackedFrame(image))
         return focus_kernels::meanSquaredSobel(image.data, image.cols, image.rows);
     return focus_literal::tenengrad(image, ksize);
 }

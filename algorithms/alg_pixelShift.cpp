@@ -13,12 +13,12 @@ namespace {
 
 /// What phaseCorrelatePixelShift logs; each round of the adaptive search is one such measurement and leaves
 /// the same line, although its work is shared with the other rounds.
-constexpr const char* measurementSignature
+constexpr const char* kMeasurementSignature
     = "void alg_pixelShift::phaseCorrelatePixelShift(cv::Mat&, cv::Mat&, cv::Mat&, int, int, float*, float*)";
 
 /// Thresholds of the adaptive search; the first `walkedThresholds` are tried.
-constexpr std::array<int, 10> thresholdRow { 15, 20, 25, 30, 35, 40, 45, 50, 55, 60 };
-constexpr std::size_t walkedThresholds = 7;
+constexpr std::array<int, 10> kThresholdRow { 15, 20, 25, 30, 35, 40, 45, 50, 55, 60 };
+constexpr std::size_t kWalkedThresholds = 7;
 
 /// Results of all rounds, GF and RF.
 using Rounds = std::array<ShiftResults, 2>;
@@ -32,9 +32,9 @@ bool isMeasuredFast(const cv::Mat& reference, const cv::Mat& gf, const cv::Mat& 
 Rounds walkLiterally(const cv::Mat& reference, const cv::Mat& gf, const cv::Mat& rf)
 {
     Rounds rounds;
-    for (std::size_t round = 0; round < walkedThresholds; ++round) {
-        qDebug() << measurementSignature;
-        const int threshold = thresholdRow[round];
+    for (std::size_t round = 0; round < kWalkedThresholds; ++round) {
+        qDebug() << kMeasurementSignature;
+        const int threshold = kThresholdRow[round];
         const auto measured = pixelShift_literal::measure(reference, gf, rf, threshold, threshold);
         rounds[0].push_back(measured[0]);
         rounds[1].push_back(measured[1]);
@@ -44,9 +44,9 @@ Rounds walkLiterally(const cv::Mat& reference, const cv::Mat& gf, const cv::Mat&
 
 Rounds walkFast(const cv::Mat& reference, const cv::Mat& gf, const cv::Mat& rf)
 {
-    for (std::size_t round = 0; round < walkedThresholds; ++round)
-        qDebug() << measurementSignature;
-    const std::vector<int> thresholds(thresholdRow.begin(), thresholdRow.begin() + walkedThresholds);
+    for (std::size_t round = 0; round < kWalkedThresholds; ++round)
+        qDebug() << kMeasurementSignature;
+    const std::vector<int> thresholds(kThresholdRow.begin(), kThresholdRow.begin() + kWalkedThresholds);
     return measureShifts(reference, { ShiftChannel { gf, thresholds }, ShiftChannel { rf, thresholds } });
 }
 
@@ -67,7 +67,7 @@ int storeBestRound(const ShiftResults& rounds, std::size_t channel, float* shift
         const auto response = static_cast<float>(rounds[round].response);
         if (response > bestResponse) {
             bestResponse = response;
-            bestThreshold = thresholdRow[round];
+            bestThreshold = kThresholdRow[round];
             storeShift(rounds[round], channel, shift, reliability);
         }
     }

@@ -15,9 +15,9 @@ namespace focus_kernels {
 namespace {
 
 /// Columns that one 32-bit sum may take: 2048 x 2 x 1020 x 1020 still fits.
-constexpr int tileColumns = 2048;
+constexpr int kTileColumns = 2048;
 /// Pixels that one 32-bit sum of grey values may take.
-constexpr std::size_t tilePixels = std::size_t { 1 } << 20;
+constexpr std::size_t kTilePixels = std::size_t { 1 } << 20;
 
 /// The library's default border: mirrored without repeating the edge pixel.
 int mirrored(int index, int size)
@@ -68,8 +68,8 @@ QR9_KERNEL void addLaplacian(const RowTriple& rows, int first, int last, Moments
     const unsigned char* above = rows.above;
     const unsigned char* centre = rows.centre;
     const unsigned char* below = rows.below;
-    for (int tile = first; tile < last; tile += tileColumns) {
-        const int end = std::min(last, tile + tileColumns);
+    for (int tile = first; tile < last; tile += kTileColumns) {
+        const int end = std::min(last, tile + kTileColumns);
         std::int32_t sum = 0;
         std::int32_t squares = 0;
         for (int x = tile; x < end; ++x) {
@@ -90,8 +90,8 @@ QR9_KERNEL std::int64_t sumSquaredSobel(const RowTriple& rows, int first, int la
     const unsigned char* centre = rows.centre;
     const unsigned char* below = rows.below;
     std::int64_t total = 0;
-    for (int tile = first; tile < last; tile += tileColumns) {
-        const int end = std::min(last, tile + tileColumns);
+    for (int tile = first; tile < last; tile += kTileColumns) {
+        const int end = std::min(last, tile + kTileColumns);
         std::uint32_t sum = 0;
         for (int x = tile; x < end; ++x) {
             const auto gx = static_cast<std::int16_t>(above[x + 1] + 2 * centre[x + 1] + below[x + 1]
@@ -110,8 +110,8 @@ QR9_KERNEL std::int64_t sumSquaredSobel(const RowTriple& rows, int first, int la
 QR9_KERNEL std::int64_t sumAbove(const unsigned char* pixels, std::size_t count, unsigned char floor)
 {
     std::int64_t total = 0;
-    for (std::size_t tile = 0; tile < count; tile += tilePixels) {
-        const std::size_t end = std::min(count, tile + tilePixels);
+    for (std::size_t tile = 0; tile < count; tile += kTilePixels) {
+        const std::size_t end = std::min(count, tile + kTilePixels);
         std::uint32_t sum = 0;
         for (std::size_t i = tile; i < end; ++i) {
             const unsigned char raised = pixels[i] > floor ? pixels[i] : floor;
@@ -126,8 +126,8 @@ QR9_KERNEL std::int64_t sumAbove(const unsigned char* pixels, std::size_t count,
 QR9_KERNEL std::int64_t sumAboveToEven(const unsigned char* pixels, std::size_t count, unsigned char floor)
 {
     std::int64_t total = 0;
-    for (std::size_t tile = 0; tile < count; tile += tilePixels) {
-        const std::size_t end = std::min(count, tile + tilePixels);
+    for (std::size_t tile = 0; tile < count; tile += kTilePixels) {
+        const std::size_t end = std::min(count, tile + kTilePixels);
         std::uint32_t sum = 0;
         for (std::size_t i = tile; i < end; ++i) {
             const unsigned char raised = pixels[i] > floor ? pixels[i] : floor;

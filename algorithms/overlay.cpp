@@ -10,13 +10,13 @@
 
 namespace {
 
-constexpr int raisedBy = 100; // grey values, so that weak fluorescence wins over the bright-field ground
+constexpr int kRaisedBy = 100; // grey values, so that weak fluorescence wins over the bright-field ground
 const cv::Size frameSize(1280, 960);
 /// Rows that are merged at a time: the planes of the colours stay in the cache.
-constexpr int rowsAtOnce = 16;
+constexpr int kRowsAtOnce = 16;
 /// Shifts beyond this, in pixels, and pictures larger than this are left to the library.
-constexpr float furthestShift = 4096.0F;
-constexpr int largestSide = 16384;
+constexpr float kFurthestShift = 4096.0F;
+constexpr int kLargestSide = 16384;
 
 /// Where a pixel of a moved row or column comes from: whole pixels and 32nds beyond them.
 struct Origin {
@@ -29,7 +29,7 @@ Origin originOf(int coordinate, float shift)
 {
     const int fine = cv::saturate_cast<int>((coordinate - static_cast<double>(shift)) * 1024) + 16;
     const int parts = fine >> 5;
-    return { parts >> 5, parts & (overlay_kernels::fractionsPerPixel - 1) };
+    return { parts >> 5, parts & (overlay_kernels::kFractionsPerPixel - 1) };
 }
 
 /// One fluorescence channel, moved and raised row by row.
@@ -59,7 +59,7 @@ public:
             const int lower = hasLower ? origin.whole + 1 : origin.whole;
             overlay_kernels::blendRows(m_picture.ptr(upper) + m_column.whole + first,
                 m_picture.ptr(lower) + m_column.whole + first,
-                hasUpper ? overlay_kernels::fractionsPerPixel - origin.fraction : 0,
+                hasUpper ? overlay_kernels::kFractionsPerPixel - origin.fraction : 0,
                 hasLower ? origin.fraction : 0, m_raise, m_blended.data() + first, end - first);
         } else {
             std::fill(m_blended.begin(), m_blended.end(), std::uint16_t { 0 });
@@ -80,12 +80,12 @@ private:
 bool isPlain(const cv::Mat& picture, const cv::Size& size)
 {
     return picture.type() == CV_8UC1 && picture.dims == 2 && picture.size() == size
-        && std::max(size.width, size.height) <= largestSide;
+        && std::max(size.width, size.height) <= kLargestSide;
 }
 
 bool isNear(OverlayShift shift)
 {
-    return std::abs(shift.x) <= furthestShift && std::abs(shift.y) <= furthestShift;
+    return std::abs(shift.x) <= kFurthestShift && std::abs(shift.y) <= kFurthestShift;
 }
 
 cv::Mat greyPicture(const cv::Mat& brightField)
@@ -111,14 +111,14 @@ cv::Mat composeOverlay(const cv::Mat& brightField, const cv::Mat& gfp, const cv:
         || !isNear(shiftRFP))
         return overlay_literal::compose(brightField, gfp, rfp, shiftGFP, shiftRFP, shifted);
 
-    const int raise = shifted ? raisedBy : 0;
+    const int raise = shifted ? kRaisedBy : 0;
     MovedChannel green(gfp, shiftGFP, raise);
     MovedChannel red(rfp, shiftRFP, raise);
-    cv::Mat greenRows(rowsAtOnce, size.width, CV_8UC1);
-    cv::Mat redRows(rowsAtOnce, size.width, CV_8UC1);
+    cv::Mat greenRows(kRowsAtOnce, size.width, CV_8UC1);
+    cv::Mat redRows(kRowsAtOnce, size.width, CV_8UC1);
     cv::Mat result(size, CV_8UC3);
-    for (int start = 0; start < size.height; start += rowsAtOnce) {
-        const int count = std::min(rowsAtOnce, size.height - start);
+    for (int start = 0; start < size.height; start += kRowsAtOnce) {
+        const int count = std::min(kRowsAtOnce, size.height - start);
         const cv::Mat ground = brightField.rowRange(start, start + count);
         for (int row = 0; row < count; ++row) {
             green.overlay(start + row, ground.ptr(row), greenRows.ptr(row));

@@ -22,11 +22,11 @@ QR9_KERNEL void overlayRow(
     const std::uint16_t* blended, int fraction, const std::uint8_t* ground, std::uint8_t* overlaid, int count)
 {
     // Both weightings together are 32 x 32 parts; half of that rounds.
-    constexpr int scaleBits = 10;
-    const int rest = fractionsPerPixel - fraction;
+    constexpr int kScaleBits = 10;
+    const int rest = kFractionsPerPixel - fraction;
     for (int x = 0; x < count; ++x) {
         const int sum = rest * blended[x] + fraction * blended[x + 1];
-        const auto value = static_cast<std::uint8_t>((sum + (1 << (scaleBits - 1))) >> scaleBits);
+        const auto value = static_cast<std::uint8_t>((sum + (1 << (kScaleBits - 1))) >> kScaleBits);
         overlaid[x] = value > ground[x] ? value : ground[x];
     }
 }

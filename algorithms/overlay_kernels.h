@@ -6,7 +6,7 @@
 namespace overlay_kernels {
 
 /// Fractions of a pixel that an affine warp works in: 32 to a pixel.
-constexpr int fractionsPerPixel = 32;
+constexpr int kFractionsPerPixel = 32;
 
 /// blended[x] = upperWeight * upper[x] + lowerWeight * lower[x], the pixels raised by `raise` (0..255)
 /// before, saturating at 255. The weights are at most 32 together.

@@ -10,17 +10,17 @@ namespace {
 
 /// A bin reaches 255 x pixels, a product of two the square of it, and its magnitude is squared once more:
 /// up to this many pixels all of it stays within float.
-constexpr int mostPixels = 1 << 22;
+constexpr int kMostPixels = 1 << 22;
 /// Half the side of the square around the peak whose centroid is taken.
-constexpr int centroidReach = 2;
+constexpr int kCentroidReach = 2;
 
 /// A float image whose rows do not fall on the same cache sets: the transform walks down columns, and a row
 /// length that is an even number of cache lines makes these walks evict each other.
 cv::Mat makeSpectrumBuffer(const cv::Size& size)
 {
-    constexpr int lineFloats = 64 / static_cast<int>(sizeof(float));
-    const int lines = (size.width + lineFloats - 1) / lineFloats;
-    return cv::Mat(size.height, (lines | 1) * lineFloats, CV_32FC1).colRange(0, size.width);
+    constexpr int kLineFloats = 64 / static_cast<int>(sizeof(float));
+    const int lines = (size.width + kLineFloats - 1) / kLineFloats;
+    return cv::Mat(size.height, (lines | 1) * kLineFloats, CV_32FC1).colRange(0, size.width);
 }
 
 /// A correlation surface, seen with the zero shift moved to its centre. Moving it by index saves the copies.
@@ -91,13 +91,13 @@ PhaseShift measurePeak(const cv::Mat& surface)
 {
     const CentredSurface centred(surface);
     const cv::Point peak = centred.peak();
-    const int lastRow = std::min(peak.y + centroidReach, surface.rows - 1);
-    const int lastColumn = std::min(peak.x + centroidReach, surface.cols - 1);
+    const int lastRow = std::min(peak.y + kCentroidReach, surface.rows - 1);
+    const int lastColumn = std::min(peak.x + kCentroidReach, surface.cols - 1);
 
     cv::Point2d centroid;
     double sum = 0.0;
-    for (int y = std::max(peak.y - centroidReach, 0); y <= lastRow; ++y) {
-        for (int x = std::max(peak.x - centroidReach, 0); x <= lastColumn; ++x) {
+    for (int y = std::max(peak.y - kCentroidReach, 0); y <= lastRow; ++y) {
+        for (int x = std::max(peak.x - kCentroidReach, 0); x <= lastColumn; ++x) {
             const double value = centred.at(x, y);
             centroid.x += x * value;
             centroid.y += y * value;
@@ -120,7 +120,7 @@ bool PhaseCorrelation::accepts(const cv::Mat& reference, const cv::Mat& image)
 {
     return reference.type() == CV_8UC1 && image.type() == CV_8UC1 && reference.dims == 2 && image.dims == 2
         && reference.size() == image.size() && reference.rows > 1 && reference.cols > 1
-        && reference.cols <= mostPixels / reference.rows;
+        && reference.cols <= kMostPixels / reference.rows;
 }
 
 PhaseCorrelation::PhaseCorrelation(const cv::Mat& reference)

@@ -7,12 +7,12 @@
 
 #include <benchmark/benchmark.h>
 
-using pictures::frameHeight;
-using pictures::frameWidth;
+using pictures::kFrameHeight;
+using pictures::kFrameWidth;
 
 int main(int argc, char** argv)
 {
-    const cv::Mat frame = pictures::cells(frameWidth, frameHeight, 1);
+    const cv::Mat frame = pictures::cells(kFrameWidth, kFrameHeight, 1);
     const alg_autoFocus focus;
     const auto one = comparison::Cores::one;
     comparison::add({ "variance of the Laplacian", one, 10.0,
@@ -22,7 +22,7 @@ int main(int argc, char** argv)
         [&] { benchmark::DoNotOptimize(focus_literal::tenengrad(frame, 3)); },
         [&] { benchmark::DoNotOptimize(focus.tenengrad(frame, 3)); } });
     comparison::add({ "mean above twice the mean", one, 20.0,
-        [&] { benchmark::DoNotOptimize(focus_literal::neonTRILLOM(frame, 2.0, frameWidth, frameHeight)); },
-        [&] { benchmark::DoNotOptimize(focus.neonTRILLOM(frame, 2.0, frameWidth, frameHeight)); } });
+        [&] { benchmark::DoNotOptimize(focus_literal::neonTRILLOM(frame, 2.0, kFrameWidth, kFrameHeight)); },
+        [&] { benchmark::DoNotOptimize(focus.neonTRILLOM(frame, 2.0, kFrameWidth, kFrameHeight)); } });
     return comparison::run(argc, argv);
 }

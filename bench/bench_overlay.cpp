@@ -9,7 +9,7 @@
 
 int main(int argc, char** argv)
 {
-    const cv::Mat field = pictures::cells(pictures::frameWidth, pictures::frameHeight, 1);
+    const cv::Mat field = pictures::cells(pictures::kFrameWidth, pictures::kFrameHeight, 1);
     const cv::Mat ground = 182 - field;
     const cv::Mat gfp = pictures::moved(field, 3.25, -7.5);
     const cv::Mat rfp = pictures::moved(field, -11.0, 4.0);

@@ -16,8 +16,8 @@ namespace comparison {
 
 namespace {
 
-constexpr int repetitions = 11;
-constexpr double secondsPerRepetition = 0.05;
+constexpr int kRepetitions = 11;
+constexpr double kSecondsPerRepetition = 0.05;
 
 std::vector<Operation>& operations()
 {
@@ -74,8 +74,8 @@ public:
         SetName(name.c_str());
         Unit(benchmark::kMillisecond);
         UseRealTime();
-        MinTime(secondsPerRepetition);
-        Repetitions(repetitions);
+        MinTime(kSecondsPerRepetition);
+        Repetitions(kRepetitions);
     }
 
 private:

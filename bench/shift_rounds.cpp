@@ -10,13 +10,13 @@
 
 namespace {
 
-constexpr std::array thresholds { 15, 20, 25, 30, 35, 40, 45 };
+constexpr std::array kThresholds { 15, 20, 25, 30, 35, 40, 45 };
 
 } // namespace
 
 ShiftField::ShiftField()
 {
-    const cv::Mat field = pictures::cells(pictures::frameWidth, pictures::frameHeight, 1);
+    const cv::Mat field = pictures::cells(pictures::kFrameWidth, pictures::kFrameHeight, 1);
     reference = pictures::binary(field, 40);
     gf = pictures::moved(field, 3.25, -7.5);
     rf = pictures::moved(field, -11.0, 4.0);
@@ -25,7 +25,7 @@ ShiftField::ShiftField()
 void searchLiterally(ShiftField& field)
 {
     std::array<PhaseShift, 2> best;
-    for (const int threshold : thresholds) {
+    for (const int threshold : kThresholds) {
         const auto measured
             = pixelShift_literal::measure(field.reference, field.gf, field.rf, threshold, threshold);
         for (std::size_t channel = 0; channel < best.size(); ++channel) {

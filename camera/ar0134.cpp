@@ -18,18 +18,18 @@ const cv::Rect FRAME_REGION(0, 2, 1280, 960);
 /// The intensity is summed over two rows more.
 const cv::Rect INTENSITY_REGION(0, 2, 1280, 962);
 
-constexpr unsigned long FRAME_READY_LIMIT = 3000; ///< ms
-constexpr int GET_FRAME_LIMIT = 3000; ///< ms
-constexpr unsigned long BUSY_PAUSE = 500; ///< us between two looks at a trigger under way
+constexpr unsigned long kFrameReadyLimit = 3000; ///< ms
+constexpr int kGetFrameLimit = 3000; ///< ms
+constexpr unsigned long kBusyPause = 500; ///< us between two looks at a trigger under way
 
-constexpr double FIRST_GAIN = 0.0; ///< dB
-constexpr unsigned int FIRST_EXPOSURE = 20000; ///< us
+constexpr double kFirstGain = 0.0; ///< dB
+constexpr unsigned int kFirstExposure = 20000; ///< us
 
 struct ErrorText {
     AR0134::cameraError error;
     const char* text;
 };
-constexpr ErrorText ERROR_TEXTS[] = {
+constexpr ErrorText kErrorTexts[] = {
     { AR0134::ERROR_EXPOSURE_READ, "Reading a camera registry error" },
     { AR0134::ERROR_EXPOSURE_WRITE, "Writing a camera registry error" },
     { AR0134::ERROR_GAIN_READ, "Reading a camera registry error" },
@@ -56,8 +56,8 @@ AR0134::AR0134(const char* file, QObject* parent)
     }
     connect(this, &AR0134::sig_selfExecuteSoftwareTrigger, this, &AR0134::slot_executeSoftwareTrigger,
         static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
-    slot_setGain(FIRST_GAIN);
-    slot_setExposure(FIRST_EXPOSURE);
+    slot_setGain(kFirstGain);
+    slot_setExposure(kFirstExposure);
 }
 
 AR0134::~AR0134()
@@ -75,7 +75,7 @@ void AR0134::closeCamera()
         if (QThread::currentThread()->loopLevel() > 0) {
             QCoreApplication::processEvents();
         }
-        QThread::usleep(BUSY_PAUSE);
+        QThread::usleep(kBusyPause);
         lock.relock();
     }
     // Taken away under the same lock under which a trigger finds it: a trigger that is still queued comes too
@@ -161,7 +161,7 @@ void AR0134::getSingleFrame()
         return;
     }
     ArduCamOutData* data = nullptr;
-    if (ArduCam_getSingleFrame(handle, data, GET_FRAME_LIMIT) != USB_CAMERA_NO_ERROR) {
+    if (ArduCam_getSingleFrame(handle, data, kGetFrameLimit) != USB_CAMERA_NO_ERROR) {
         report(Q_FUNC_INFO, ERROR_GET_FRAME);
         return;
     }
@@ -185,7 +185,7 @@ cv::Mat AR0134::ConvertImage(const ArduCamOutData* data) const
 bool AR0134::waitForFrameReady()
 {
     const QMutexLocker lock(&m_mutex);
-    return m_frameReady.wait(&m_mutex, FRAME_READY_LIMIT);
+    return m_frameReady.wait(&m_mutex, kFrameReadyLimit);
 }
 
 bool AR0134::holdsRegion(const cv::Rect& region) const
@@ -233,7 +233,7 @@ int AR0134::totalFrames()
 
 void AR0134::report(const char* signature, cameraError error)
 {
-    const auto* row = std::find_if(std::begin(ERROR_TEXTS), std::end(ERROR_TEXTS),
+    const auto* row = std::find_if(std::begin(kErrorTexts), std::end(kErrorTexts),
         [error](const ErrorText& candidate) { return candidate.error == error; });
     qCritical() << signature << row->text;
     emit signal_cameraError(error);

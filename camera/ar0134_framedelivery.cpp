@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr double US_PER_MS = 1000.0;
+constexpr double kUsPerMs = 1000.0;
 
 } // namespace
 
@@ -98,7 +98,7 @@ double Ar0134FrameDelivery::getCurrentGain()
 
 float Ar0134FrameDelivery::getCurrentExposure()
 {
-    return static_cast<float>(m_pCamera->getExposure() / US_PER_MS);
+    return static_cast<float>(m_pCamera->getExposure() / kUsPerMs);
 }
 
 void Ar0134FrameDelivery::setCurrentGain(float gain)
@@ -108,9 +108,9 @@ void Ar0134FrameDelivery::setCurrentGain(float gain)
 
 void Ar0134FrameDelivery::setCurrentExposure(double exposure)
 {
-    constexpr double LONGEST = std::numeric_limits<unsigned int>::max();
+    constexpr double kLongest = std::numeric_limits<unsigned int>::max();
     // What is no number counts as the shortest.
-    const double microseconds = std::min(std::max(0.0, exposure * US_PER_MS + 0.5), LONGEST);
+    const double microseconds = std::min(std::max(0.0, exposure * kUsPerMs + 0.5), kLongest);
     m_pCamera->slot_setExposure(static_cast<unsigned int>(microseconds));
 }
 

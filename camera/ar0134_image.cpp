@@ -23,7 +23,7 @@ enum Format {
 };
 
 /// Orders of the colour filter by sub-format. OpenCV names an order by the second row of the filter.
-constexpr std::array<cv::ColorConversionCodes, 4> BAYER_CODES { {
+constexpr std::array<cv::ColorConversionCodes, 4> kBayerCodes { {
     cv::COLOR_BayerBG2BGR, // RG
     cv::COLOR_BayerGB2BGR, // GR
     cv::COLOR_BayerGR2BGR, // GB
@@ -31,7 +31,7 @@ constexpr std::array<cv::ColorConversionCodes, 4> BAYER_CODES { {
 } };
 
 /// Largest side that is believed of a frame, far above any sensor of this family.
-constexpr Uint32 MAX_SIDE = 16384;
+constexpr Uint32 kMaxSide = 16384;
 
 cv::Mat grayToMat(const Uint8* bytes, const ArduCamCfg& config)
 {
@@ -66,7 +66,7 @@ bool isWhole(const ArduCamOutData& frame, int format)
     }
     const bool twoBytes = format == FORMAT_RGB || format == FORMAT_YUV || config.u8PixelBytes == 2;
     const std::size_t needed = std::size_t(config.u32Width) * config.u32Height * (twoBytes ? 2U : 1U);
-    return config.u32Width <= MAX_SIDE && config.u32Height <= MAX_SIDE && needed > 0
+    return config.u32Width <= kMaxSide && config.u32Height <= kMaxSide && needed > 0
         && config.u32Size >= needed;
 }
 
@@ -148,7 +148,7 @@ cv::Mat toMat(const ArduCamOutData& frame, int subFormat)
         case FORMAT_JPG:
             return JPGToMat(frame.pu8ImageData, config.u32Size);
         case FORMAT_RAW_DUAL:
-            return dualToMat(frame, BAYER_CODES[static_cast<std::size_t>(subFormat & 3)]);
+            return dualToMat(frame, kBayerCodes[static_cast<std::size_t>(subFormat & 3)]);
         case FORMAT_MONO_DUAL:
             return dualToMat(frame, cv::COLOR_GRAY2BGR);
         default:

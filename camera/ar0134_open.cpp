@@ -15,15 +15,15 @@
 
 namespace {
 
-constexpr char INI_FILE[] = "/root/TAVO_QR9/TAVO_QR9.ini";
-constexpr std::size_t MAX_BOARDS = 16; ///< slots that a scan wants
+constexpr char kIniFile[] = "/root/TAVO_QR9/TAVO_QR9.ini";
+constexpr std::size_t kMaxBoards = 16; ///< slots that a scan wants
 
-constexpr int MODE_SINGLE_FRAME = 1;
-constexpr Uint32 FIRMWARE_TOO_OLD = 65393;
+constexpr int kModeSingleFrame = 1;
+constexpr Uint32 kFirmwareTooOld = 65393;
 
-constexpr Uint16 USB_VENDOR = 0x52CB;
-constexpr Uint16 SERIAL_ADDRESS = 0x3F0; ///< of the board's user data
-constexpr std::size_t SERIAL_BYTES = 16;
+constexpr Uint16 kUsbVendor = 0x52CB;
+constexpr Uint16 kSerialAddress = 0x3F0; ///< of the board's user data
+constexpr std::size_t kSerialBytes = 16;
 
 /// What an entry of the configuration asks for, in the low 16 bits of its type.
 enum EntryKind : uint32_t {
@@ -31,7 +31,7 @@ enum EntryKind : uint32_t {
     ENTRY_BOARD = 2,
     ENTRY_DELAY = 3,
 };
-constexpr uint32_t USB_ANY = 0;
+constexpr uint32_t kUsbAny = 0;
 
 uint32_t entryKind(const Config& entry)
 {
@@ -67,7 +67,7 @@ bool mirrorSetting(const QSettings& settings, const char* key)
 ArduCamCfg cameraConfig(const CameraParam& param)
 {
     ArduCamCfg config {};
-    config.u16Vid = USB_VENDOR;
+    config.u16Vid = kUsbVendor;
     config.u32Width = param.width;
     config.u32Height = param.height;
     config.u8PixelBytes = param.bit_width > 8 ? 2 : 1;
@@ -83,8 +83,8 @@ ArduCamCfg cameraConfig(const CameraParam& param)
 
 int AR0134::is_AR0134Attached()
 {
-    std::array<ArduCamIndexinfo, MAX_BOARDS> boards {};
-    const Uint32 count = std::min<Uint32>(ArduCam_scan(boards.data()), MAX_BOARDS);
+    std::array<ArduCamIndexinfo, kMaxBoards> boards {};
+    const Uint32 count = std::min<Uint32>(ArduCam_scan(boards.data()), kMaxBoards);
     std::printf("device num:%d\n", static_cast<int>(count));
     for (Uint32 i = 0; i < count; ++i) {
         const std::string serial = serialText(boards[i].u8SerialNum);
@@ -106,7 +106,7 @@ bool AR0134::open(const char* file)
     if (!camera_initFromFile(file, handle)) {
         return false;
     }
-    if (ArduCam_setMode(handle, MODE_SINGLE_FRAME) == FIRMWARE_TOO_OLD) {
+    if (ArduCam_setMode(handle, kModeSingleFrame) == kFirmwareTooOld) {
         print("Usb board firmware version not support single mode.\n");
         ArduCam_close(handle);
         return false;
@@ -122,7 +122,7 @@ bool AR0134::open(const char* file)
 bool AR0134::camera_initFromFile(const char* file, ArduCamHandle& handle)
 {
     qDebug() << Q_FUNC_INFO;
-    const QSettings settings(INI_FILE, QSettings::IniFormat);
+    const QSettings settings(kIniFile, QSettings::IniFormat);
     const bool horizontal = mirrorSetting(settings, "ArduCAM/Hor. Mirror");
     const bool vertical = mirrorSetting(settings, "ArduCAM/Ver. Mirror");
 
@@ -143,12 +143,12 @@ bool AR0134::camera_initFromFile(const char* file, ArduCamHandle& handle)
         return false;
     }
     applyConfiguration(handle, configs);
-    if (ArduCam_writeSensorReg(handle, ar0134::REG_READ_MODE, ar0134::mirrorBits(horizontal, vertical))
+    if (ArduCam_writeSensorReg(handle, ar0134::kRegReadMode, ar0134::mirrorBits(horizontal, vertical))
         != USB_CAMERA_NO_ERROR) {
         report(Q_FUNC_INFO, ERROR_MIRROR_WRITE);
     }
-    std::array<Uint8, SERIAL_BYTES> serial {};
-    ArduCam_readUserData(handle, SERIAL_ADDRESS, SERIAL_BYTES, serial.data());
+    std::array<Uint8, kSerialBytes> serial {};
+    ArduCam_readUserData(handle, kSerialAddress, kSerialBytes, serial.data());
     print("Serial: " + serialText(serial.data()) + "\n");
     return true;
 }
@@ -158,7 +158,7 @@ void AR0134::applyConfiguration(ArduCamHandle& handle, const CameraConfigs& conf
     for (uint32_t i = 0; i < configs.configs_length; ++i) {
         const Config& entry = configs.configs[i];
         const uint32_t usbKind = entryUsbKind(entry);
-        if (usbKind != USB_ANY && usbKind != static_cast<uint32_t>(m_config.usbType)) {
+        if (usbKind != kUsbAny && usbKind != static_cast<uint32_t>(m_config.usbType)) {
             continue;
         }
         switch (entryKind(entry)) {
@@ -182,11 +182,11 @@ void AR0134::applyConfiguration(ArduCamHandle& handle, const CameraConfigs& conf
 
 void AR0134::configBoard(ArduCamHandle& handle, Config config)
 {
-    constexpr std::size_t HEAD = 4; // command, value, index, count
-    constexpr std::size_t MOST = std::size(decltype(config.params) {}) - HEAD;
-    const std::size_t count = std::min<std::size_t>(config.params[3], MOST);
+    constexpr std::size_t kHead = 4; // command, value, index, count
+    constexpr std::size_t kMost = std::size(decltype(config.params) {}) - kHead;
+    const std::size_t count = std::min<std::size_t>(config.params[3], kMost);
     std::vector<Uint8> bytes(count);
-    std::transform(config.params + HEAD, config.params + HEAD + count, bytes.begin(),
+    std::transform(config.params + kHead, config.params + kHead + count, bytes.begin(),
         [](uint32_t param) { return static_cast<Uint8>(param); });
     const Uint32 code = ArduCam_setboardConfig(handle, static_cast<Uint8>(config.params[0]),
         static_cast<Uint16>(config.params[1]), static_cast<Uint16>(config.params[2]),

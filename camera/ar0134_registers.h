@@ -5,11 +5,11 @@
 // Registers of the AR0134 sensor that this program writes; all have 16 bits.
 namespace ar0134 {
 
-constexpr Uint32 REG_EXPOSURE = 0x3012; ///< lines
-constexpr Uint32 REG_PEDESTAL = 0x301E; ///< grey value of black
-constexpr Uint32 REG_READ_MODE = 0x3040; ///< mirrors
-constexpr Uint32 REG_DIGITAL_GAIN = 0x305E; ///< in 1/32
-constexpr Uint32 REG_ANALOG_GAIN = 0x30B0; ///< bits 4 and 5: doublings
+constexpr Uint32 kRegExposure = 0x3012; ///< lines
+constexpr Uint32 kRegPedestal = 0x301E; ///< grey value of black
+constexpr Uint32 kRegReadMode = 0x3040; ///< mirrors
+constexpr Uint32 kRegDigitalGain = 0x305E; ///< in 1/32
+constexpr Uint32 kRegAnalogGain = 0x30B0; ///< bits 4 and 5: doublings
 
 /// REG_READ_MODE with the two mirrors alone.
 constexpr Uint32 mirrorBits(bool reverseX, bool reverseY)

@@ -7,12 +7,12 @@
 
 namespace {
 
-constexpr int searchRoundMs = 1000;
-constexpr int exchangeWaitMs = 10000;
+constexpr int kSearchRoundMs = 1000;
+constexpr int kExchangeWaitMs = 10000;
 /// A port in an error state ends every wait at once; this keeps the exchange from taking a whole processor.
-constexpr unsigned long errorPauseMs = 20;
+constexpr unsigned long kErrorPauseMs = 20;
 
-constexpr char versionQuery[] = "$A#VER\n";
+constexpr char kVersionQuery[] = "$A#VER\n";
 
 } // namespace
 
@@ -31,7 +31,7 @@ void Controller::do_COM_PortFind_Controller()
 {
     m_readBuffer.clear();
     try_COM_PortFind_Controller();
-    m_timer_round.start(searchRoundMs);
+    m_timer_round.start(kSearchRoundMs);
 }
 
 void Controller::try_COM_PortFind_Controller()
@@ -59,7 +59,7 @@ void Controller::try_COM_PortFind_Controller()
 
 void Controller::check_Connection_Controller()
 {
-    m_serialPort->write(versionQuery);
+    m_serialPort->write(kVersionQuery);
 }
 
 void Controller::slot_Timer_PortFind_Controller()
@@ -111,14 +111,14 @@ QString Controller::direct_read(QString command)
 
     m_serialPort->write(command.toLocal8Bit());
     qDebug() << Q_FUNC_INFO << "command : " << command;
-    m_serialPort->waitForBytesWritten(exchangeWaitMs);
+    m_serialPort->waitForBytesWritten(kExchangeWaitMs);
 
     QByteArray reply;
     while (!reply_text::isComplete(reply)) {
         // A quick answer can have been read while the command was still being written; a wait would then be
         // for bytes that never come.
-        if (m_serialPort->bytesAvailable() == 0 && !m_serialPort->waitForReadyRead(exchangeWaitMs)) {
-            QThread::msleep(errorPauseMs);
+        if (m_serialPort->bytesAvailable() == 0 && !m_serialPort->waitForReadyRead(kExchangeWaitMs)) {
+            QThread::msleep(kErrorPauseMs);
         }
         reply.append(m_serialPort->readAll());
     }

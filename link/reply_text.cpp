@@ -2,14 +2,14 @@
 
 namespace {
 
-constexpr char versionReply[] = "$OK#A#VER";
-constexpr char lineEnd[] = "\r\n";
+constexpr char kVersionReply[] = "$OK#A#VER";
+constexpr char kLineEnd[] = "\r\n";
 
 } // namespace
 
 bool reply_text::isComplete(const QByteArray& bytes)
 {
-    return bytes.endsWith(lineEnd);
+    return bytes.endsWith(kLineEnd);
 }
 
 QByteArray reply_text::take(QByteArray& buffer, const QByteArray& received)
@@ -25,7 +25,7 @@ QByteArray reply_text::take(QByteArray& buffer, const QByteArray& received)
 
 bool reply_text::isFromBoard(const QByteArray& reply)
 {
-    return reply.contains(versionReply);
+    return reply.contains(kVersionReply);
 }
 
 QString reply_text::upToNul(const QByteArray& bytes)

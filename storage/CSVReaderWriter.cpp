@@ -8,12 +8,12 @@
 
 namespace {
 
-constexpr unsigned long defaultMaxRows = 100;
-constexpr std::size_t lineBufferSize = 4096;
+constexpr unsigned long kDefaultMaxRows = 100;
+constexpr std::size_t kLineBufferSize = 4096;
 
 std::string formatted(const char* format, std::va_list arguments)
 {
-    std::array<char, lineBufferSize> line {};
+    std::array<char, kLineBufferSize> line {};
     std::vsnprintf(line.data(), line.size(), format, arguments);
     return line.data();
 }
@@ -21,7 +21,7 @@ std::string formatted(const char* format, std::va_list arguments)
 } // namespace
 
 CSVReaderWriter::CSVReaderWriter(const char* format, ...)
-    : m_max_rows(defaultMaxRows)
+    : m_max_rows(kDefaultMaxRows)
 {
     std::va_list arguments;
     va_start(arguments, format);

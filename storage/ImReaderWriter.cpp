@@ -15,7 +15,7 @@ struct TypeName {
     IMAGE_type type;
 };
 
-constexpr std::array<TypeName, 5> typeNames { {
+constexpr std::array<TypeName, 5> kTypeNames { {
     { "tif", IMAGE_TIF },
     { "jpg", IMAGE_JPG },
     { "png", IMAGE_PNG },
@@ -24,9 +24,9 @@ constexpr std::array<TypeName, 5> typeNames { {
 } };
 
 /// The one geometry of raw files.
-constexpr std::uint32_t rawWidth = 1280;
-constexpr std::uint32_t rawHeight = 1024;
-constexpr std::uint32_t rawSamples = rawWidth * rawHeight;
+constexpr std::uint32_t kRawWidth = 1280;
+constexpr std::uint32_t kRawHeight = 1024;
+constexpr std::uint32_t kRawSamples = kRawWidth * kRawHeight;
 
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -37,7 +37,7 @@ template <typename Text> int typeOfPath(const Text& path)
 {
     const std::size_t dot = path.rfind(static_cast<typename Text::value_type>('.'));
     const Text extension = path.substr(dot == Text::npos ? 0 : dot + 1, 3);
-    for (const TypeName& name : typeNames) {
+    for (const TypeName& name : kTypeNames) {
         if (extension == Text(name.extension, name.extension + std::strlen(name.extension))) {
             return name.type;
         }
@@ -152,16 +152,16 @@ int ImReaderWriter::_read_raw(std::string& path)
     const long size = std::ftell(file.get());
     std::rewind(file.get());
 
-    if (size == long { rawSamples }) {
+    if (size == long { kRawSamples }) {
         m_bits_per_sample = 8;
-    } else if (size == 2 * long { rawSamples }) {
+    } else if (size == 2 * long { kRawSamples }) {
         m_bits_per_sample = 16;
     }
-    m_width = rawWidth;
-    m_height = rawHeight;
+    m_width = kRawWidth;
+    m_height = kRawHeight;
     m_samples_per_pixel = 1;
     m_bits_per_pixel = m_bits_per_sample;
-    m_sample_count = rawSamples;
+    m_sample_count = kRawSamples;
     if (!allocate()) {
         m_sample_count = 0;
         return 0;

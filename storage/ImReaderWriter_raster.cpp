@@ -12,12 +12,12 @@ namespace general {
 
 namespace {
 
-constexpr int greyLevels = 256;
+constexpr int kGreyLevels = 256;
 
 QVector<QRgb> greyTable()
 {
-    QVector<QRgb> table(greyLevels);
-    for (int grey = 0; grey < greyLevels; ++grey) {
+    QVector<QRgb> table(kGreyLevels);
+    for (int grey = 0; grey < kGreyLevels; ++grey) {
         table[grey] = qRgb(grey, grey, grey);
     }
     return table;

@@ -9,7 +9,7 @@ namespace general {
 namespace {
 
 /// Far above every image of the instrument; keeps a damaged header from asking for all of the memory.
-constexpr std::uint64_t largestImageBytes = std::uint64_t { 256 } * 1024 * 1024;
+constexpr std::uint64_t kLargestImageBytes = std::uint64_t { 256 } * 1024 * 1024;
 
 struct TiffCloser {
     void operator()(TIFF* handle) const { TIFFClose(handle); }
@@ -59,7 +59,7 @@ int ImReaderWriter::_read_tiff(std::string& path)
     const std::uint64_t samples = std::uint64_t { width } * height * samplesHeldPerPixel(bitsPerPixel);
     const bool wide = bitsPerSample == 16 || bitsPerPixel == 16;
     const std::uint64_t bytes = samples * (wide ? sizeof(std::uint16_t) : sizeof(std::uint8_t));
-    if (bytes == 0 || bytes > largestImageBytes) {
+    if (bytes == 0 || bytes > kLargestImageBytes) {
         return 0;
     }
     // Rows of 16-bit samples are as far apart as the tags say, all others as the file has them.

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr char folder[] = "/media";
+constexpr char kFolder[] = "/media";
 
 QString asFolderName(QString name)
 {
@@ -26,7 +26,7 @@ bool isOnFileSystemOfMedia(const QString& path)
 {
     struct stat entry { };
     struct stat media { };
-    return lstat(QFile::encodeName(path).constData(), &entry) == 0 && stat(folder, &media) == 0
+    return lstat(QFile::encodeName(path).constData(), &entry) == 0 && stat(kFolder, &media) == 0
         && entry.st_dev == media.st_dev;
 }
 
@@ -52,17 +52,17 @@ namespace media_folder {
 
 QString path(const QString& name)
 {
-    return QString(folder) + '/' + name;
+    return QString(kFolder) + '/' + name;
 }
 
 QStringList names()
 {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Unsorted);
+    return QDir(kFolder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Unsorted);
 }
 
 QString make(const QString& name)
 {
-    const QDir media(folder);
+    const QDir media(kFolder);
     const QString wanted = asFolderName(name);
     QString free = wanted;
     for (int number = 1; !media.mkdir(free); ++number) {
@@ -79,8 +79,8 @@ QString make(const QString& name)
 void removeEmpty(const QString& path)
 {
     const QFileInfo entry(path);
-    if (entry.path() == folder && !entry.fileName().isEmpty()) {
-        QDir(folder).rmdir(entry.fileName());
+    if (entry.path() == kFolder && !entry.fileName().isEmpty()) {
+        QDir(kFolder).rmdir(entry.fileName());
     }
 }
 
@@ -88,7 +88,7 @@ void removeStale(const QString& name)
 {
     const QString stale = path(name);
     const MountTable table;
-    if (!table.isReadable() || table.reachesInto(QFileInfo(folder).canonicalFilePath() + '/' + name)) {
+    if (!table.isReadable() || table.reachesInto(QFileInfo(kFolder).canonicalFilePath() + '/' + name)) {
         return;
     }
     if (!QFileInfo(stale).isDir() || QFileInfo(stale).isSymLink()) {

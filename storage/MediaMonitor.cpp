@@ -17,8 +17,8 @@
 
 namespace {
 
-constexpr int programLimitMs = 30000;
-constexpr char noLabel[] = "Removable Disk";
+constexpr int kProgramLimitMs = 30000;
+constexpr char kNoLabel[] = "Removable Disk";
 
 /// Runs a program of the system to its end. One that hangs is left to itself, killed: it may be stuck in the
 /// kernel, where waiting for its death would hang us too.
@@ -26,7 +26,7 @@ void run(const QString& program, const QStringList& arguments)
 {
     auto* process = new QProcess;
     process->start(program, arguments, QIODevice::ReadWrite);
-    process->waitForFinished(programLimitMs);
+    process->waitForFinished(kProgramLimitMs);
     if (process->state() != QProcess::NotRunning) {
         qDebug() << "[Error] : " << program << arguments << "hangs";
         QObject::connect(process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), process,
@@ -45,7 +45,7 @@ storage_t newStorage(const QString& device, const QMap<QString, QString>& labels
 {
     storage_t storage;
     storage.device = device;
-    storage.label = labels.value(device, noLabel);
+    storage.label = labels.value(device, kNoLabel);
     storage.connected = true;
     return storage;
 }
@@ -156,7 +156,7 @@ bool MediaMonitor::mount(std::list<storage_t>::iterator storage)
 
 bool MediaMonitor::mount(QString device, QString label, QString& mountPoint)
 {
-    mountPoint = media_folder::make(label.isEmpty() ? QString(noLabel) : label);
+    mountPoint = media_folder::make(label.isEmpty() ? QString(kNoLabel) : label);
     if (mountPoint.isEmpty()) {
         return false;
     }

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr char tableName[] = "/etc/mtab";
+constexpr char kTableName[] = "/etc/mtab";
 
 QString decoded(const QByteArray& word)
 {
@@ -30,10 +30,10 @@ QString decoded(const QByteArray& word)
 
 MountTable::MountTable()
 {
-    QFile file(tableName);
+    QFile file(kTableName);
     m_readable = file.open(QIODevice::ReadOnly);
     if (!m_readable) {
-        qDebug() << "[Error] : " << tableName << file.errorString();
+        qDebug() << "[Error] : " << kTableName << file.errorString();
     }
     const QList<QByteArray> lines = m_readable ? file.readAll().split('\n') : QList<QByteArray>();
     for (const QByteArray& line : lines) {

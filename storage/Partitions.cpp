@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr char uuidFolder[] = "/dev/disk/by-uuid";
-constexpr char labelFolder[] = "/dev/disk/by-label";
+constexpr char kUuidFolder[] = "/dev/disk/by-uuid";
+constexpr char kLabelFolder[] = "/dev/disk/by-label";
 
 QFileInfoList links(const char* folder)
 {
@@ -20,7 +20,7 @@ namespace partitions {
 
 QString watchedFolder()
 {
-    return uuidFolder;
+    return kUuidFolder;
 }
 
 bool isPartition(const QString& device)
@@ -36,7 +36,7 @@ bool isOfSystemDisk(const QString& device)
 QStringList present()
 {
     QStringList devices;
-    const QFileInfoList entries = links(uuidFolder);
+    const QFileInfoList entries = links(kUuidFolder);
     for (const QFileInfo& entry : entries) {
         const QString device = entry.symLinkTarget();
         if (entry.isSymLink() && isPartition(device) && !devices.contains(device)) {
@@ -49,7 +49,7 @@ QStringList present()
 QMap<QString, QString> labels()
 {
     QMap<QString, QString> labelOf;
-    const QFileInfoList entries = links(labelFolder);
+    const QFileInfoList entries = links(kLabelFolder);
     for (const QFileInfo& entry : entries) {
         if (entry.isSymLink() && isPartition(entry.symLinkTarget())) {
             labelOf.insert(entry.symLinkTarget(), entry.fileName().replace("\\x20", " "));

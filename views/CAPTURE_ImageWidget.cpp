@@ -16,7 +16,7 @@
 namespace {
 
 /// The overview is the frame divided by this, 100 pixels wide for the camera's frame.
-constexpr double OVERVIEW_DIVISOR = 12.8;
+constexpr double kOverviewDivisor = 12.8;
 
 /// Whole pixel of an event, halves away from zero on either side of it (QPointF::toPoint() rounds those below
 /// zero up).
@@ -201,8 +201,8 @@ void CAPTURE_ImageWidget::wheelEvent(QWheelEvent* event)
 
 void CAPTURE_ImageWidget::updateNavigation()
 {
-    m_navigation.setNavigationSize(static_cast<int>(m_image_width / OVERVIEW_DIVISOR),
-        static_cast<int>(m_image_height / OVERVIEW_DIVISOR));
+    m_navigation.setNavigationSize(static_cast<int>(m_image_width / kOverviewDivisor),
+        static_cast<int>(m_image_height / kOverviewDivisor));
     m_navigation.setDisplaySize(static_cast<int>(width() / m_scale), static_cast<int>(height() / m_scale));
     m_navigation.setImageSize(m_image_width, m_image_height);
     m_navigation.setNavigationPosition(0, 0);

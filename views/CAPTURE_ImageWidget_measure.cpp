@@ -9,10 +9,10 @@
 
 namespace {
 
-constexpr float PIXEL_PITCH_UM = 3.75F; ///< of the camera's sensor
-constexpr float NOMINAL_FACTOR = 0.25F; ///< a fourfold magnification
-constexpr float CHAMBER_DEPTH_MM = 0.1F;
-constexpr float UM_PER_MM = 1000.0F;
+constexpr float kPixelPitchUm = 3.75F; ///< of the camera's sensor
+constexpr float kNominalFactor = 0.25F; ///< a fourfold magnification
+constexpr float kChamberDepthMm = 0.1F;
+constexpr float kUmPerMm = 1000.0F;
 
 /// The value as a text of so many decimals shows it.
 float throughText(float value, int decimals)
@@ -43,14 +43,14 @@ void CAPTURE_ImageWidget::measure2Point()
     measure_info& info = m_measure_info;
     info.length_pixel = diameter(m_point1, m_point2);
     // The raw length takes the nominal magnification; rounding snaps it to the true spacing of the marks.
-    info.length_mm = round2(info.length_pixel * 0.1F / 100.0F * PIXEL_PITCH_UM * NOMINAL_FACTOR, 10.0F);
-    info.pixel_size = info.length_mm * UM_PER_MM / info.length_pixel;
-    info.magnification = throughText(info.length_pixel * PIXEL_PITCH_UM / (info.length_mm * UM_PER_MM), 2);
+    info.length_mm = round2(info.length_pixel * 0.1F / 100.0F * kPixelPitchUm * kNominalFactor, 10.0F);
+    info.pixel_size = info.length_mm * kUmPerMm / info.length_pixel;
+    info.magnification = throughText(info.length_pixel * kPixelPitchUm / (info.length_mm * kUmPerMm), 2);
 
-    const float width_um = static_cast<float>(m_image_width) * PIXEL_PITCH_UM / info.magnification;
-    const float height_um = static_cast<float>(m_image_height) * PIXEL_PITCH_UM / info.magnification;
+    const float width_um = static_cast<float>(m_image_width) * kPixelPitchUm / info.magnification;
+    const float height_um = static_cast<float>(m_image_height) * kPixelPitchUm / info.magnification;
     info.area_mm = width_um * height_um / 1000000.0F;
-    info.volume_factor = throughText(info.area_mm * CHAMBER_DEPTH_MM, 5);
+    info.volume_factor = throughText(info.area_mm * kChamberDepthMm, 5);
 
     qDebug() << "m_measure_info.length_pixel:" << info.length_pixel;
     qDebug() << "m_measure_info.length_mm:" << info.length_mm;

@@ -18,8 +18,8 @@
 
 namespace {
 
-constexpr int FRAME_WIDTH = FrameDelivery::kFrameWidth;
-constexpr int FRAME_HEIGHT = FrameDelivery::kFrameHeight;
+constexpr int kFrameWidth = FrameDelivery::kFrameWidth;
+constexpr int kFrameHeight = FrameDelivery::kFrameHeight;
 
 /// Which of the three colours a table shows; the grey value goes into each of them.
 struct Tint {
@@ -28,7 +28,7 @@ struct Tint {
     bool blue;
 };
 
-constexpr Tint TINTS[] = {
+constexpr Tint kTints[] = {
     { true, true, true }, // grey, bright field
     { true, false, false }, // red, RFP
     { false, true, false }, // green, GFP
@@ -65,7 +65,7 @@ CameraView::CameraView(QWidget* parent, int pseudoColorTableIndex)
         }
     }
 
-    m_image = QImage(FRAME_WIDTH, FRAME_HEIGHT, QImage::Format_Indexed8);
+    m_image = QImage(kFrameWidth, kFrameHeight, QImage::Format_Indexed8);
     m_image.setColorTable(m_colorTables[static_cast<std::size_t>(m_pseudoColorTableIndex)]);
     // Until the first frame arrives there is nothing to show but black.
     m_image.fill(0);
@@ -102,12 +102,12 @@ CameraView* CameraView::Instance()
 
 void CameraView::initialize()
 {
-    m_bShowNavigation = width() < FRAME_WIDTH && height() < FRAME_HEIGHT;
+    m_bShowNavigation = width() < kFrameWidth && height() < kFrameHeight;
     m_navigation.setNavigationPosition(0, 0);
     m_navigation.setNavigationColor(255, 255, 0);
     m_navigation.setNavigationSize(100, 67);
     m_navigation.setDisplaySize(540, 405);
-    m_navigation.setImageSize(FRAME_WIDTH, FRAME_HEIGHT);
+    m_navigation.setImageSize(kFrameWidth, kFrameHeight);
     m_offsetX = 0;
     m_offsetY = 0;
     m_navigation.setNavigationPosition(m_offsetX, m_offsetY);
@@ -162,9 +162,9 @@ int CameraView::pseudoColorTable() const
 void CameraView::initializePseudoColorTable()
 {
     qDebug() << Q_FUNC_INFO;
-    static_assert(std::size(TINTS) == std::tuple_size<decltype(m_colorTables)>::value);
+    static_assert(std::size(kTints) == std::tuple_size<decltype(m_colorTables)>::value);
     for (std::size_t i = 0; i < m_colorTables.size(); ++i) {
-        const Tint& tint = TINTS[i];
+        const Tint& tint = kTints[i];
         for (int v = 0; v < 256; ++v)
             m_colorTables[i].append(qRgb(tint.red ? v : 0, tint.green ? v : 0, tint.blue ? v : 0));
     }
@@ -206,7 +206,7 @@ void CameraView::paintEvent(QPaintEvent*)
 
     QPainter painter(this);
     if (m_bFitMode) {
-        painter.drawImage(QRectF(0, 0, width(), height()), m_image, QRectF(0, 0, FRAME_WIDTH, FRAME_HEIGHT));
+        painter.drawImage(QRectF(0, 0, width(), height()), m_image, QRectF(0, 0, kFrameWidth, kFrameHeight));
     } else {
         painter.save();
         painter.scale(m_scale, m_scale);
@@ -246,6 +246,6 @@ void CameraView::wheelEvent(QWheelEvent* event)
 
 void CameraView::limitOffsets()
 {
-    m_offsetX = zoom::limitedOffset(m_offsetX, FRAME_WIDTH, width(), m_scale);
-    m_offsetY = zoom::limitedOffset(m_offsetY, FRAME_HEIGHT, height(), m_scale);
+    m_offsetX = zoom::limitedOffset(m_offsetX, kFrameWidth, width(), m_scale);
+    m_offsetY = zoom::limitedOffset(m_offsetY, kFrameHeight, height(), m_scale);
 }

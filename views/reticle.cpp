@@ -4,14 +4,14 @@
 
 namespace {
 
-constexpr int WIDTH = 540;
-constexpr int HEIGHT = 405;
-constexpr int CENTER_X = 270;
-constexpr int CENTER_Y = 202;
+constexpr int kWidth = 540;
+constexpr int kHeight = 405;
+constexpr int kCenterX = 270;
+constexpr int kCenterY = 202;
 
-constexpr int PITCH = 10;
-constexpr int TICKS_UP_OR_DOWN = 20;
-constexpr int TICKS_LEFT_OR_RIGHT = 26;
+constexpr int kPitch = 10;
+constexpr int kTicksUpOrDown = 20;
+constexpr int kTicksLeftOrRight = 26;
 
 /// Half the length of the k-th tick from the middle.
 constexpr int reach(int k)
@@ -21,17 +21,17 @@ constexpr int reach(int k)
 
 void drawTicksAcrossVertical(QPainter& painter, int direction)
 {
-    for (int k = 1; k <= TICKS_UP_OR_DOWN; ++k) {
-        const int y = CENTER_Y + direction * PITCH * k;
-        painter.drawLine(CENTER_X - reach(k), y, CENTER_X + reach(k), y);
+    for (int k = 1; k <= kTicksUpOrDown; ++k) {
+        const int y = kCenterY + direction * kPitch * k;
+        painter.drawLine(kCenterX - reach(k), y, kCenterX + reach(k), y);
     }
 }
 
 void drawTicksAcrossHorizontal(QPainter& painter, int direction)
 {
-    for (int k = 1; k <= TICKS_LEFT_OR_RIGHT; ++k) {
-        const int x = CENTER_X + direction * PITCH * k;
-        painter.drawLine(x, CENTER_Y - reach(k), x, CENTER_Y + reach(k));
+    for (int k = 1; k <= kTicksLeftOrRight; ++k) {
+        const int x = kCenterX + direction * kPitch * k;
+        painter.drawLine(x, kCenterY - reach(k), x, kCenterY + reach(k));
     }
 }
 
@@ -40,8 +40,8 @@ void drawTicksAcrossHorizontal(QPainter& painter, int direction)
 void drawReticle(QPainter& painter)
 {
     painter.setPen(Qt::magenta);
-    painter.drawLine(0, CENTER_Y, WIDTH, CENTER_Y);
-    painter.drawLine(CENTER_X, 0, CENTER_X, HEIGHT);
+    painter.drawLine(0, kCenterY, kWidth, kCenterY);
+    painter.drawLine(kCenterX, 0, kCenterX, kHeight);
 
     painter.setPen(Qt::red);
     drawTicksAcrossVertical(painter, -1);

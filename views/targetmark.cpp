@@ -4,11 +4,11 @@
 
 namespace {
 
-constexpr double DARK_LIMIT = 95.0;
-constexpr double WHITE = 255.0;
-constexpr int CROSS_REACH = 15;
-constexpr int LABEL_OFFSET = 8;
-constexpr double LABEL_SCALE = 0.35;
+constexpr double kDarkLimit = 95.0;
+constexpr double kWhite = 255.0;
+constexpr int kCrossReach = 15;
+constexpr int kLabelOffset = 8;
+constexpr double kLabelScale = 0.35;
 
 } // namespace
 
@@ -25,7 +25,7 @@ targetmark::Contours targetmark::darkContours(const cv::Mat& source, const cv::R
         return contours;
 
     cv::Mat binary;
-    cv::threshold(source, binary, DARK_LIMIT, WHITE, cv::THRESH_BINARY_INV);
+    cv::threshold(source, binary, kDarkLimit, kWhite, cv::THRESH_BINARY_INV);
     cv::medianBlur(binary, binary, 3);
     cv::Mat filtered;
     cv::bilateralFilter(binary, filtered, 5, 95.0, 95.0, cv::BORDER_DEFAULT);
@@ -46,10 +46,10 @@ void targetmark::drawPoint(cv::Mat& picture, cv::Point point, const char* label)
 {
     const cv::Scalar red(0, 0, 255);
     const cv::Scalar cyan(255, 255, 0);
-    const cv::Point across(CROSS_REACH, 0);
-    const cv::Point along(0, CROSS_REACH);
+    const cv::Point across(kCrossReach, 0);
+    const cv::Point along(0, kCrossReach);
     cv::line(picture, point - across, point + across, red, 1, cv::LINE_8);
     cv::line(picture, point - along, point + along, red, 1, cv::LINE_8);
-    cv::putText(picture, label, point + cv::Point(LABEL_OFFSET, -LABEL_OFFSET), cv::FONT_HERSHEY_SIMPLEX,
-        LABEL_SCALE, cyan, 1, cv::LINE_8);
+    cv::putText(picture, label, point + cv::Point(kLabelOffset, -kLabelOffset), cv::FONT_HERSHEY_SIMPLEX,
+        kLabelScale, cyan, 1, cv::LINE_8);
 }

@@ -12,7 +12,7 @@ struct ZoomStep {
     double scale; ///< after it
 };
 
-constexpr ZoomStep ZOOM_STEPS[] = {
+constexpr ZoomStep kZoomSteps[] = {
     { 1, 1, 2.0 },
     { 1, 2, 4.0 },
     { -1, 2, 1.0 },
@@ -35,7 +35,7 @@ int zoom::wheelStep(const QWheelEvent* event)
 double zoom::nextScale(double scale, int step)
 {
     const int level = static_cast<int>(scale);
-    for (const ZoomStep& row : ZOOM_STEPS)
+    for (const ZoomStep& row : kZoomSteps)
         if (row.step == step && row.level == level)
             return row.scale;
     return scale;

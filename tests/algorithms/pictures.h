@@ -7,8 +7,8 @@
 /// Pictures that the algorithms are tested on, all CV_8UC1 and the same on every machine.
 namespace pictures {
 
-constexpr int frameWidth = 1280; // px, as the cameras give them
-constexpr int frameHeight = 960;
+constexpr int kFrameWidth = 1280; // px, as the cameras give them
+constexpr int kFrameHeight = 960;
 
 /// Every pixel by itself, evenly over all grey values.
 cv::Mat random(int width, int height, std::uint64_t seed);

@@ -94,7 +94,7 @@ void tst_alg_autoFocus::selector_runsItsMeasure_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("height");
-    QTest::newRow("camera frame") << frameWidth << frameHeight;
+    QTest::newRow("camera frame") << kFrameWidth << kFrameHeight;
     QTest::newRow("odd size") << 37 << 21;
 }
 
@@ -120,7 +120,7 @@ void tst_alg_autoFocus::uniformFrame_isZeroByEveryMeasure()
 {
     QFETCH(int, grey);
     alg_autoFocus focus;
-    const cv::Mat frame = uniform(frameWidth, frameHeight, grey);
+    const cv::Mat frame = uniform(kFrameWidth, kFrameHeight, grey);
     QCOMPARE(measure(focus, 0, frame), 0.0);
     QCOMPARE(measure(focus, 1, frame), 0.0);
     QCOMPARE(measure(focus, 2, frame), 0.0);
@@ -129,10 +129,10 @@ void tst_alg_autoFocus::uniformFrame_isZeroByEveryMeasure()
 void tst_alg_autoFocus::oneBrightPixel_neonIsItsShareOfTheFrame()
 {
     alg_autoFocus focus;
-    const double value = measure(focus, 0, singlePixel(frameWidth, frameHeight, cv::Point(700, 500), 255));
+    const double value = measure(focus, 0, singlePixel(kFrameWidth, kFrameHeight, cv::Point(700, 500), 255));
     QVERIFY(value > 0.0);
     QVERIFY(value < 0.001);
-    QCOMPARE(value, 255.0 / (frameWidth * frameHeight));
+    QCOMPARE(value, 255.0 / (kFrameWidth * kFrameHeight));
 }
 
 void tst_alg_autoFocus::neon_takesOffTwiceTheMean()

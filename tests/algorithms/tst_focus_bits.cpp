@@ -16,7 +16,7 @@ using namespace pictures;
 namespace {
 
 /// Multiples of the mean: the one in use, ones that make ties, and ones that saturate.
-constexpr std::array multiples { 2.0, 0.0, 0.25, 0.5, 1.0, 1.5, 3.75, 250.0, 1e12, -0.5, -3.0 };
+constexpr std::array kMultiples { 2.0, 0.0, 0.25, 0.5, 1.0, 1.5, 3.75, 250.0, 1e12, -0.5, -3.0 };
 
 /// The first measure whose bits differ from the sequence of library calls, or nothing.
 QByteArray differingMeasure(const cv::Mat& image)
@@ -26,7 +26,7 @@ QByteArray differingMeasure(const cv::Mat& image)
         return "varianceOfLaplacian";
     if (!sameBits(focus.tenengrad(image, 3), focus_literal::tenengrad(image, 3)))
         return "tenengrad";
-    for (const double alpha : multiples) {
+    for (const double alpha : kMultiples) {
         if (!sameBits(focus.neonTRILLOM(image, alpha, image.cols, image.rows),
                 focus_literal::neonTRILLOM(image, alpha, image.cols, image.rows)))
             return "neonTRILLOM " + QByteArray::number(alpha);
@@ -65,15 +65,15 @@ private slots:
 void tst_focus_bits::cameraFrames_data()
 {
     QTest::addColumn<cv::Mat>("frame");
-    QTest::newRow("random") << random(frameWidth, frameHeight, 1);
-    QTest::newRow("black and white") << randomBlackAndWhite(frameWidth, frameHeight, 2);
-    QTest::newRow("cells") << cells(frameWidth, frameHeight, 3);
-    QTest::newRow("few pixels above twice the mean") << singlePixel(frameWidth, frameHeight, { 3, 4 }, 200);
-    QTest::newRow("checkerboard of 1") << checkerboard(frameWidth, frameHeight, 1);
-    QTest::newRow("checkerboard of 2") << checkerboard(frameWidth, frameHeight, 2);
-    QTest::newRow("checkerboard of 7") << checkerboard(frameWidth, frameHeight, 7);
+    QTest::newRow("random") << random(kFrameWidth, kFrameHeight, 1);
+    QTest::newRow("black and white") << randomBlackAndWhite(kFrameWidth, kFrameHeight, 2);
+    QTest::newRow("cells") << cells(kFrameWidth, kFrameHeight, 3);
+    QTest::newRow("few pixels above twice the mean") << singlePixel(kFrameWidth, kFrameHeight, { 3, 4 }, 200);
+    QTest::newRow("checkerboard of 1") << checkerboard(kFrameWidth, kFrameHeight, 1);
+    QTest::newRow("checkerboard of 2") << checkerboard(kFrameWidth, kFrameHeight, 2);
+    QTest::newRow("checkerboard of 7") << checkerboard(kFrameWidth, kFrameHeight, 7);
     for (int grey = 0; grey < 256; grey += 15)
-        QTest::addRow("uniform %d", grey) << uniform(frameWidth, frameHeight, grey);
+        QTest::addRow("uniform %d", grey) << uniform(kFrameWidth, kFrameHeight, grey);
 }
 
 void tst_focus_bits::cameraFrames()
@@ -124,9 +124,9 @@ void tst_focus_bits::singlePixelAnywhere()
         for (int x = 0; x < 40; ++x)
             verifySameBits(singlePixel(40, 6, { x, y }, 255));
     }
-    for (const cv::Point corner : { cv::Point(0, 0), cv::Point(frameWidth - 1, 0),
-             cv::Point(0, frameHeight - 1), cv::Point(frameWidth - 1, frameHeight - 1) })
-        verifySameBits(singlePixel(frameWidth, frameHeight, corner, 255));
+    for (const cv::Point corner : { cv::Point(0, 0), cv::Point(kFrameWidth - 1, 0),
+             cv::Point(0, kFrameHeight - 1), cv::Point(kFrameWidth - 1, kFrameHeight - 1) })
+        verifySameBits(singlePixel(kFrameWidth, kFrameHeight, corner, 255));
 }
 
 void tst_focus_bits::everyMultipleThatMakesATie()

@@ -73,12 +73,12 @@ private slots:
 
 void tst_overlay::emptyRFPAndNoShift_tintsWhatIsDarkerThan100()
 {
-    cv::Mat bf = uniform(frameWidth, frameHeight, 170);
+    cv::Mat bf = uniform(kFrameWidth, kFrameHeight, 170);
     bf.at<uchar>(10, 20) = 99;
     bf.at<uchar>(10, 21) = 100;
     bf.at<uchar>(10, 22) = 101;
     bf.at<uchar>(10, 23) = 0;
-    const cv::Mat nothing = uniform(frameWidth, frameHeight, 0);
+    const cv::Mat nothing = uniform(kFrameWidth, kFrameHeight, 0);
     // GFP does not raise the green part where bright field is at least 100; below, both do.
     const cv::Mat overlay = composeOverlay(bf, nothing, nothing, {}, {}, true);
     QCOMPARE(colourAt(overlay, 20, 10), (Colour { 100, 100, 99 }));
@@ -188,11 +188,11 @@ void tst_overlay::result_isNewContinuousAndLeavesItsSources()
 void tst_overlay::missingPictures_giveTheGroundInGrey()
 {
     const cv::Mat black = composeOverlay(cv::Mat(), cv::Mat(), cv::Mat(), {}, {}, true);
-    QCOMPARE(black.size(), cv::Size(frameWidth, frameHeight));
+    QCOMPARE(black.size(), cv::Size(kFrameWidth, kFrameHeight));
     QCOMPARE(black.type(), CV_8UC3);
     QCOMPARE(cv::norm(black, cv::NORM_INF), 0.0);
 
-    const cv::Mat bf = uniform(frameWidth, frameHeight, 77);
+    const cv::Mat bf = uniform(kFrameWidth, kFrameHeight, 77);
     for (const cv::Mat& overlay : { composeOverlay(bf, cv::Mat(), cv::Mat(), {}, {}, true),
              composeOverlay(bf, bf, cv::Mat(), {}, {}, true),
              composeOverlay(bf, cv::Mat(), bf, {}, {}, false) }) {
@@ -212,11 +212,11 @@ void tst_overlay::differentSizes_endInTheLibrarysException()
 
 void tst_overlay::bits_cameraFrames()
 {
-    const cv::Mat field = cells(frameWidth, frameHeight, 4);
+    const cv::Mat field = cells(kFrameWidth, kFrameHeight, 4);
     const cv::Mat ground = 255 - field;
     QVERIFY(hasSameBits(ground, moved(field, 3, -2), moved(field, -7, 5), { -3.0F, 2.0F }, { 7.25F, -5.5F }));
-    QVERIFY(hasSameBits(random(frameWidth, frameHeight, 5), random(frameWidth, frameHeight, 6),
-        random(frameWidth, frameHeight, 7), { 0.03F, -11.97F }, { 12.0F, 0.0F }));
+    QVERIFY(hasSameBits(random(kFrameWidth, kFrameHeight, 5), random(kFrameWidth, kFrameHeight, 6),
+        random(kFrameWidth, kFrameHeight, 7), { 0.03F, -11.97F }, { 12.0F, 0.0F }));
     QVERIFY(hasSameBits(ground, field, field, { 1.0F, 1.0F }, { 1.0F, 1.0F }, false));
 }
 
@@ -264,8 +264,8 @@ void tst_overlay::bits_shiftsBeyondThePicture()
 void tst_overlay::bits_shiftsThatAreNoNumbers()
 {
     const cv::Mat bf = random(50, 20, 13);
-    constexpr float infinite = std::numeric_limits<float>::infinity();
-    for (const float odd : { std::numeric_limits<float>::quiet_NaN(), infinite, -infinite }) {
+    constexpr float kInfinite = std::numeric_limits<float>::infinity();
+    for (const float odd : { std::numeric_limits<float>::quiet_NaN(), kInfinite, -kInfinite }) {
         QVERIFY(hasSameBits(bf, bf, bf, { odd, 0.0F }, {}));
         QVERIFY(hasSameBits(bf, bf, bf, {}, { 2.0F, odd }));
     }

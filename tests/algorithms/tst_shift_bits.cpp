@@ -52,11 +52,11 @@ void tst_shift_bits::cameraFrames_data()
     QTest::addColumn<cv::Mat>("reference");
     QTest::addColumn<cv::Mat>("gf");
     QTest::addColumn<cv::Mat>("rf");
-    const cv::Mat field = cells(frameWidth, frameHeight, 1);
+    const cv::Mat field = cells(kFrameWidth, kFrameHeight, 1);
     QTest::newRow("cells, moved") << binary(field, 40) << moved(field, 3.25, -7.5) << moved(field, -11, 4);
-    QTest::newRow("cells, other cells") << binary(field, 40) << cells(frameWidth, frameHeight, 2) << field;
-    QTest::newRow("random") << binary(random(frameWidth, frameHeight, 3), 120)
-                            << random(frameWidth, frameHeight, 4) << random(frameWidth, frameHeight, 5);
+    QTest::newRow("cells, other cells") << binary(field, 40) << cells(kFrameWidth, kFrameHeight, 2) << field;
+    QTest::newRow("random") << binary(random(kFrameWidth, kFrameHeight, 3), 120)
+                            << random(kFrameWidth, kFrameHeight, 4) << random(kFrameWidth, kFrameHeight, 5);
 }
 
 void tst_shift_bits::cameraFrames()

@@ -184,20 +184,20 @@ private slots:
         QFETCH(int, subFormat);
         QFETCH(int, redX);
         QFETCH(int, redY);
-        constexpr int WIDTH = 16;
-        constexpr int HEIGHT = 8;
+        constexpr int kWidth = 16;
+        constexpr int kHeight = 8;
         // Only the red pixels of both sensors are lit; the pixels of the two come in turn.
         Bytes bytes;
-        for (int y = 0; y < HEIGHT; ++y) {
-            for (int x = 0; x < WIDTH; ++x) {
-                const int column = x / 2 + (x % 2) * WIDTH / 2;
+        for (int y = 0; y < kHeight; ++y) {
+            for (int x = 0; x < kWidth; ++x) {
+                const int column = x / 2 + (x % 2) * kWidth / 2;
                 const bool red = column % 2 == redX && y % 2 == redY;
                 bytes.push_back(red ? 200 : 0);
             }
         }
-        const cv::Mat mat = ar0134::toMat(frameOf(bytes, RawDual, WIDTH, HEIGHT), subFormat);
+        const cv::Mat mat = ar0134::toMat(frameOf(bytes, RawDual, kWidth, kHeight), subFormat);
         QCOMPARE(mat.type(), CV_8UC3);
-        const cv::Scalar sum = cv::sum(mat(cv::Rect(2, 2, WIDTH - 4, HEIGHT - 4)));
+        const cv::Scalar sum = cv::sum(mat(cv::Rect(2, 2, kWidth - 4, kHeight - 4)));
         QCOMPARE(sum[0], 0.0);
         QCOMPARE(sum[1], 0.0);
         QVERIFY(sum[2] > 0.0);

@@ -13,8 +13,8 @@ using qr9::wire::Kind;
 
 namespace {
 
-constexpr int FRAMES = 1000;
-constexpr std::size_t PIXELS = std::size_t(1280) * 964;
+constexpr int kFrames = 1000;
+constexpr std::size_t kPixels = std::size_t(1280) * 964;
 
 } // namespace
 
@@ -37,7 +37,7 @@ private slots:
                 QThread::usleep(50);
             }
             waitUntilAsleep(waiter, givenUp);
-            return ScriptedBoard::Bytes(PIXELS, 100);
+            return ScriptedBoard::Bytes(kPixels, 100);
         });
         AR0134 camera(bench.file());
         QThread thread;
@@ -47,12 +47,12 @@ private slots:
         int woken = 0;
         do {
             ++waits;
-        } while (camera.waitForFrameReady() && ++woken < FRAMES);
+        } while (camera.waitForFrameReady() && ++woken < kFrames);
         givenUp = true;
         camera.closeCamera();
         thread.quit();
         thread.wait();
-        QCOMPARE(woken, FRAMES);
+        QCOMPARE(woken, kFrames);
     }
 
     void thousandFrames_areNeverTornNorStandStill()
@@ -61,7 +61,7 @@ private slots:
         const Ar0134Bench bench;
         // Each picture is of one grey value, so that a frame that was copied while it changed shows.
         board.setPicture(
-            [](int frame) { return ScriptedBoard::Bytes(PIXELS, static_cast<std::uint8_t>(frame)); });
+            [](int frame) { return ScriptedBoard::Bytes(kPixels, static_cast<std::uint8_t>(frame)); });
         board.setDelay(std::chrono::milliseconds(1));
         const int before = AR0134::totalFrames();
         Ar0134FrameDelivery source;
@@ -74,7 +74,7 @@ private slots:
         const int first = AR0134::totalFrames();
         qint64 longest = 0;
         int copied = 0;
-        while (AR0134::totalFrames() - first < FRAMES) {
+        while (AR0134::totalFrames() - first < kFrames) {
             QElapsedTimer timer;
             timer.start();
             source.waitForNextFrameReady();

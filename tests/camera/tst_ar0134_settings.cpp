@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr char SETTINGS_FOLDER[] = "/root/TAVO_QR9";
-constexpr char SETTINGS_FILE[] = "/root/TAVO_QR9/TAVO_QR9.ini";
-constexpr int SKIPPED = 77;
+constexpr char kSettingsFolder[] = "/root/TAVO_QR9";
+constexpr char kSettingsFile[] = "/root/TAVO_QR9/TAVO_QR9.ini";
+constexpr int kSkipped = 77;
 
 bool writeText(const char* path, const QByteArray& text)
 {
@@ -48,7 +48,7 @@ class tst_ar0134_settings : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(QDir().mkpath(SETTINGS_FOLDER)); }
+    void initTestCase() { QVERIFY(QDir().mkpath(kSettingsFolder)); }
 
     void mirrorsOfTheFile_areSetWhenTheBoardIsOpened_data()
     {
@@ -71,7 +71,7 @@ private slots:
     {
         QFETCH(QByteArray, file);
         QFETCH(int, bits);
-        QFile settings(SETTINGS_FILE);
+        QFile settings(kSettingsFile);
         QVERIFY(settings.open(QFile::WriteOnly | QFile::Truncate));
         settings.write(file);
         settings.close();
@@ -87,13 +87,13 @@ private slots:
 
     void missingFile_meansNoMirrorAndIsNotCreated()
     {
-        QFile::remove(SETTINGS_FILE);
+        QFile::remove(kSettingsFile);
         ScriptedBoard board;
         Ar0134Bench bench;
         bench.setConfiguration("[register parameter]\nREG = 0x3040, 0x1234\n");
         const AR0134 camera(bench.file());
         QCOMPARE(int(board.reg(0x3040)), 0);
-        QVERIFY(!QFile::exists(SETTINGS_FILE));
+        QVERIFY(!QFile::exists(kSettingsFile));
     }
 
     void mirrorThatCannotBeWritten_isLoggedAndTheBoardIsOpen()
@@ -113,7 +113,7 @@ int main(int argc, char* argv[])
     // Before anything starts a thread: a process of one thread alone may leave its user namespace.
     if (!enterPrivateRoot()) {
         std::fprintf(stderr, "skipped: this system gives no private /root (user namespaces)\n");
-        return SKIPPED;
+        return kSkipped;
     }
     const QCoreApplication application(argc, argv);
     tst_ar0134_settings test;

@@ -37,9 +37,9 @@ Input Mutations::damaged(const Input& seed)
 void Mutations::damage(Input& input)
 {
     using Damage = void (Mutations::*)(Input&);
-    constexpr std::array<Damage, 6> damages { &Mutations::setByte, &Mutations::setNumber, &Mutations::putIn,
+    constexpr std::array<Damage, 6> kDamages { &Mutations::setByte, &Mutations::setNumber, &Mutations::putIn,
         &Mutations::cutOut, &Mutations::doublePiece, &Mutations::takeOver };
-    (this->*damages[below(damages.size())])(input);
+    (this->*kDamages[below(kDamages.size())])(input);
 }
 
 void Mutations::setByte(Input& input)

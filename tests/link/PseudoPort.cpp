@@ -44,10 +44,10 @@ void PseudoPort::send(const QByteArray& bytes) const
 
 QByteArray PseudoPort::receive(int atLeast) const
 {
-    constexpr int limitMs = 5000;
+    constexpr int kLimitMs = 5000;
     QByteArray bytes;
     pollfd waiting { m_master, POLLIN, 0 };
-    while (bytes.size() < atLeast && poll(&waiting, 1, limitMs) > 0) {
+    while (bytes.size() < atLeast && poll(&waiting, 1, kLimitMs) > 0) {
         std::array<char, 256> chunk {};
         const ssize_t count = ::read(m_master, chunk.data(), chunk.size());
         if (count <= 0) {

@@ -50,7 +50,7 @@ void makeTiff(const std::string& path, unsigned width, unsigned height, unsigned
     TIFFSetField(file.get(), TIFFTAG_IMAGELENGTH, height);
     TIFFSetField(file.get(), TIFFTAG_BITSPERSAMPLE, bits);
     TIFFSetField(file.get(), TIFFTAG_SAMPLESPERPIXEL, samples);
-    TIFFSetField(file.get(), TIFFTAG_COMPRESSION, lzw);
+    TIFFSetField(file.get(), TIFFTAG_COMPRESSION, kLzw);
     TIFFSetField(file.get(), TIFFTAG_PHOTOMETRIC, photometric);
     TIFFSetField(file.get(), TIFFTAG_PLANARCONFIG, planar);
     TIFFSetField(file.get(), TIFFTAG_ROWSPERSTRIP, 2);

@@ -13,10 +13,10 @@
 
 /// What the tests of the image files share: images, files as other programs make them, and TIFF tags.
 
-constexpr unsigned short lzw = 5;
-constexpr unsigned short uncompressed = 1;
-constexpr unsigned short grey = 1;
-constexpr unsigned short rgb = 2;
+constexpr unsigned short kLzw = 5;
+constexpr unsigned short kUncompressed = 1;
+constexpr unsigned short kGrey = 1;
+constexpr unsigned short kRgb = 2;
 
 /// Bytes that differ from their neighbours in every direction.
 QByteArray pattern(int size);
@@ -27,7 +27,7 @@ QByteArray contentsOf(const std::string& path);
 /// The calls of the class, for texts and pixels that have no name of their own; load tells whether it took
 /// the pixels.
 bool load(general::ImReaderWriter& image, QByteArray pixels, unsigned width, unsigned height,
-    unsigned short samples, unsigned short photometric = grey, unsigned short compression = lzw);
+    unsigned short samples, unsigned short photometric = kGrey, unsigned short compression = kLzw);
 bool write(general::ImReaderWriter& image, std::string file, std::string description = {});
 int read(general::ImReaderWriter& image, std::string file);
 
@@ -45,5 +45,5 @@ template <typename Value> Value tagOf(const TiffFile& file, std::uint32_t tag)
 
 /// Makes a file with several strips from the rows, which are filled up with zeros.
 void makeTiff(const std::string& path, unsigned width, unsigned height, unsigned short bits,
-    unsigned short samples, const QByteArray& rows, unsigned short photometric = grey,
+    unsigned short samples, const QByteArray& rows, unsigned short photometric = kGrey,
     unsigned short planar = PLANARCONFIG_CONTIG);

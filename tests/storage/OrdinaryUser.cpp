@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr uid_t nobody = 65534;
+constexpr uid_t kNobody = 65534;
 
 bool isRoot()
 {
@@ -19,7 +19,7 @@ bool isRoot()
 } // namespace
 
 OrdinaryUser::OrdinaryUser()
-    : m_good(!isRoot() || setresuid(nobody, nobody, 0) == 0)
+    : m_good(!isRoot() || setresuid(kNobody, kNobody, 0) == 0)
 {
 }
 
@@ -32,5 +32,5 @@ OrdinaryUser::~OrdinaryUser()
 
 uid_t OrdinaryUser::id()
 {
-    return isRoot() ? nobody : geteuid();
+    return isRoot() ? kNobody : geteuid();
 }

@@ -88,7 +88,7 @@ void tst_ImReaderWriter::load_copiesThePixels()
     QByteArray pixels = pattern(4 * 3 * 3);
     const QByteArray original = pixels;
     ImReaderWriter image;
-    image.load(pixels.data(), 4, 3, 8, 3, lzw, rgb);
+    image.load(pixels.data(), 4, 3, 8, 3, kLzw, kRgb);
     pixels.fill('\0');
     QVERIFY(image.data(8) != pixels.data());
     QCOMPARE(QByteArray(static_cast<char*>(image.data(8)), 36), original);
@@ -134,7 +134,7 @@ void tst_ImReaderWriter::loadOfOtherDepths_isRefused()
     QFETCH(unsigned short, samples);
     QByteArray pixels = pattern(1000);
     ImReaderWriter image;
-    image.load(pixels.data(), 4, 3, bits, samples, lzw, grey);
+    image.load(pixels.data(), 4, 3, bits, samples, kLzw, kGrey);
     QCOMPARE(image.data(8), nullptr);
     QCOMPARE(image.data(16), nullptr);
     QVERIFY(!write(image, path("refused.tif")));
@@ -144,7 +144,7 @@ void tst_ImReaderWriter::loadOfMorePixelsThanCanBeCounted_isRefused()
 {
     QByteArray pixels = pattern(10);
     ImReaderWriter image;
-    image.load(pixels.data(), 65536, 65536, 8, 1, lzw, grey);
+    image.load(pixels.data(), 65536, 65536, 8, 1, kLzw, kGrey);
     QCOMPARE(image.data(8), nullptr);
 }
 
@@ -196,7 +196,7 @@ void tst_ImReaderWriter::writeToFullStick_fails()
     std::mt19937 random(1);
     std::generate(noise.begin(), noise.end(), [&] { return static_cast<char>(random()); });
     ImReaderWriter image;
-    QVERIFY(load(image, noise, 300, 200, 1, grey, uncompressed));
+    QVERIFY(load(image, noise, 300, 200, 1, kGrey, kUncompressed));
     rlimit before {};
     getrlimit(RLIMIT_FSIZE, &before);
     const rlimit full { static_cast<rlim_t>(room), before.rlim_max };
@@ -221,7 +221,7 @@ void tst_ImReaderWriter::largerImageAfterSmaller_replacesTheBuffer()
     ImReaderWriter image;
     QVERIFY(load(image, pattern(6), 3, 2, 1));
     const QByteArray pixels = pattern(300 * 200 * 3);
-    QVERIFY(load(image, pixels, 300, 200, 3, rgb));
+    QVERIFY(load(image, pixels, 300, 200, 3, kRgb));
     QVERIFY(write(image, path("large.tif")));
     QCOMPARE(read(image, path("large.tif")), 1);
     QVERIFY(QByteArray(static_cast<char*>(image.data(8)), pixels.size()) == pixels);

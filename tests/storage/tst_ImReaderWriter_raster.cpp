@@ -73,7 +73,7 @@ void tst_ImReaderWriter_raster::writeRasterOf32Bits_takesWordsOfBlueGreenRed()
 {
     // Only a file that was read holds 32 bits a pixel: four samples of 8.
     QFETCH(QString, name);
-    makeTiff(path("words.tif"), 2, 1, 8, 4, QByteArray("\x10\x20\x30\x40\xF1\xF2\xF3\x00", 8), rgb);
+    makeTiff(path("words.tif"), 2, 1, 8, 4, QByteArray("\x10\x20\x30\x40\xF1\xF2\xF3\x00", 8), kRgb);
     ImReaderWriter image;
     QCOMPARE(read(image, path("words.tif")), 1);
     QVERIFY(write(image, path(name)));

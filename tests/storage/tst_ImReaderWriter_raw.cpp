@@ -9,7 +9,7 @@ using general::ImReaderWriter;
 
 namespace {
 
-constexpr int rawSamples = 1280 * 1024;
+constexpr int kRawSamples = 1280 * 1024;
 
 } // namespace
 
@@ -56,7 +56,7 @@ void tst_ImReaderWriter_raw::writeRawOf48Bits_failsWithoutACrash()
 {
     ImReaderWriter image;
     QVERIFY(load(image, pattern(2), 2, 1, 1)); // a byte buffer that is too small for what follows
-    makeTiff(path("deep.tif"), 30, 20, 16, 3, pattern(3600), rgb);
+    makeTiff(path("deep.tif"), 30, 20, 16, 3, pattern(3600), kRgb);
     QCOMPARE(read(image, path("deep.tif")), 1);
     QVERIFY(!write(image, path("deep.raw")));
     makeTiff(path("deeper.tif"), 30, 20, 16, 4, pattern(4800));
@@ -68,8 +68,8 @@ void tst_ImReaderWriter_raw::readRaw_isKnownByItsSize_data()
 {
     QTest::addColumn<int>("bytes");
     QTest::addColumn<int>("bits");
-    QTest::newRow("8 bits") << rawSamples << 8;
-    QTest::newRow("16 bits") << 2 * rawSamples << 16;
+    QTest::newRow("8 bits") << kRawSamples << 8;
+    QTest::newRow("16 bits") << 2 * kRawSamples << 16;
 }
 
 void tst_ImReaderWriter_raw::readRaw_isKnownByItsSize()
@@ -94,11 +94,11 @@ void tst_ImReaderWriter_raw::readRawOfOtherSize_keepsTheBitsAndTellsWhetherAllAr
     QTest::addColumn<bool>("after16Bits");
     QTest::addColumn<int>("result");
     QTest::newRow("empty") << 0 << false << 0;
-    QTest::newRow("one byte short") << rawSamples - 1 << false << 0;
-    QTest::newRow("one byte more") << rawSamples + 1 << false << 1;
-    QTest::newRow("16 bits, one byte short") << 2 * rawSamples - 1 << true << 0;
-    QTest::newRow("16 bits, one byte more") << 2 * rawSamples + 1 << true << 1;
-    QTest::newRow("16 bits, half") << rawSamples + 2 << true << 0;
+    QTest::newRow("one byte short") << kRawSamples - 1 << false << 0;
+    QTest::newRow("one byte more") << kRawSamples + 1 << false << 1;
+    QTest::newRow("16 bits, one byte short") << 2 * kRawSamples - 1 << true << 0;
+    QTest::newRow("16 bits, one byte more") << 2 * kRawSamples + 1 << true << 1;
+    QTest::newRow("16 bits, half") << kRawSamples + 2 << true << 0;
 }
 
 void tst_ImReaderWriter_raw::readRawOfOtherSize_keepsTheBitsAndTellsWhetherAllArrived()
@@ -117,7 +117,7 @@ void tst_ImReaderWriter_raw::readRawOfOtherSize_keepsTheBitsAndTellsWhetherAllAr
         QCOMPARE(read(image, path("deep.tif")), 1);
     }
     QCOMPARE(read(image, path("other.raw")), result);
-    const int held = qMin(bytes, rawSamples * (after16Bits ? 2 : 1));
+    const int held = qMin(bytes, kRawSamples * (after16Bits ? 2 : 1));
     QVERIFY(QByteArray(static_cast<char*>(image.data(after16Bits ? 16 : 8)), held) == samples.left(held));
 }
 
@@ -125,10 +125,10 @@ void tst_ImReaderWriter_raw::readRawThenRaster_takesTheRawGeometry()
 {
     ImReaderWriter image;
     QVERIFY(load(image, pattern(4000 * 400), 4000, 400, 1)); // larger than a raw image
-    const QByteArray samples = pattern(rawSamples);
+    const QByteArray samples = pattern(kRawSamples);
     QFile file(m_folder.filePath("x.raw"));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(samples), rawSamples);
+    QCOMPARE(file.write(samples), kRawSamples);
     file.close();
     QCOMPARE(read(image, path("x.raw")), 1);
     QVERIFY(write(image, path("raw.png")));

@@ -34,10 +34,10 @@ void tst_ImReaderWriter_tiff_read::writtenTiff_isReadBack_data()
     QTest::addColumn<unsigned>("width");
     QTest::addColumn<unsigned short>("samples");
     QTest::addColumn<unsigned short>("compression");
-    QTest::newRow("grey LZW") << 1280U << static_cast<unsigned short>(1) << lzw;
-    QTest::newRow("RGB LZW") << 1280U << static_cast<unsigned short>(3) << lzw;
-    QTest::newRow("odd grey plain") << 17U << static_cast<unsigned short>(1) << uncompressed;
-    QTest::newRow("one column RGB") << 1U << static_cast<unsigned short>(3) << lzw;
+    QTest::newRow("grey LZW") << 1280U << static_cast<unsigned short>(1) << kLzw;
+    QTest::newRow("RGB LZW") << 1280U << static_cast<unsigned short>(3) << kLzw;
+    QTest::newRow("odd grey plain") << 17U << static_cast<unsigned short>(1) << kUncompressed;
+    QTest::newRow("one column RGB") << 1U << static_cast<unsigned short>(3) << kLzw;
 }
 
 void tst_ImReaderWriter_tiff_read::writtenTiff_isReadBack()
@@ -47,7 +47,7 @@ void tst_ImReaderWriter_tiff_read::writtenTiff_isReadBack()
     QFETCH(unsigned short, compression);
     const QByteArray pixels = pattern(static_cast<int>(width) * 11 * samples);
     ImReaderWriter image;
-    QVERIFY(load(image, pixels, width, 11, samples, samples == 1 ? grey : rgb, compression));
+    QVERIFY(load(image, pixels, width, 11, samples, samples == 1 ? kGrey : kRgb, compression));
     QVERIFY(write(image, path("back.tif")));
     ImReaderWriter copy;
     QCOMPARE(read(copy, path("back.tif")), 1);
@@ -84,7 +84,7 @@ void tst_ImReaderWriter_tiff_read::readTiff16WrittenTwice_isRotatedTwice()
 
 void tst_ImReaderWriter_tiff_read::readTiff48_isWrittenRotated()
 {
-    makeTiff(path("deep.tif"), 1, 1, 16, 3, samples16({ 0x0111, 0x0222, 0x0333 }), rgb);
+    makeTiff(path("deep.tif"), 1, 1, 16, 3, samples16({ 0x0111, 0x0222, 0x0333 }), kRgb);
     ImReaderWriter image;
     QCOMPARE(read(image, path("deep.tif")), 1);
     QVERIFY(write(image, path("rotated.tif")));
@@ -127,7 +127,7 @@ void tst_ImReaderWriter_tiff_read::readTiff_ofOtherShapes()
     QFETCH(int, result);
     QFETCH(bool, wide);
     const QByteArray rows = pattern(5 * 4 * 16);
-    makeTiff(path("shape.tif"), 5, 4, bits, samples, rows, samples == 3 ? rgb : grey, planar);
+    makeTiff(path("shape.tif"), 5, 4, bits, samples, rows, samples == 3 ? kRgb : kGrey, planar);
     ImReaderWriter image;
     QCOMPARE(read(image, path("shape.tif")), result);
     if (result == 1) {

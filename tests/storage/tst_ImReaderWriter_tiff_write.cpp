@@ -56,7 +56,7 @@ void tst_ImReaderWriter_tiff_write::rgbTiff_hasItsTagsOneStripAndPixels()
 {
     const QByteArray pixels = pattern(1280 * 960 * 3);
     ImReaderWriter image;
-    QVERIFY(load(image, pixels, 1280, 960, 3, rgb));
+    QVERIFY(load(image, pixels, 1280, 960, 3, kRgb));
     QVERIFY(write(image, path("rgb.tif")));
 
     const TiffFile file(TIFFOpen(path("rgb.tif").c_str(), "r"));
@@ -75,7 +75,7 @@ void tst_ImReaderWriter_tiff_write::tiffOfOddWidth_hasItsPixels()
 {
     const QByteArray pixels = pattern(13 * 7 * 3);
     ImReaderWriter image;
-    QVERIFY(load(image, pixels, 13, 7, 3, rgb, uncompressed));
+    QVERIFY(load(image, pixels, 13, 7, 3, kRgb, kUncompressed));
     QVERIFY(write(image, path("odd.tif")));
     const TiffFile file(TIFFOpen(path("odd.tif").c_str(), "r"));
     QVERIFY(file);
@@ -127,7 +127,7 @@ void tst_ImReaderWriter_tiff_write::writtenTiff_isReadByOtherPrograms()
     }
     const QByteArray pixels = pattern(321 * 123 * samples);
     ImReaderWriter image;
-    QVERIFY(load(image, pixels, 321, 123, samples, samples == 1 ? grey : rgb));
+    QVERIFY(load(image, pixels, 321, 123, samples, samples == 1 ? kGrey : kRgb));
     QVERIFY(write(image, path("image.tif")));
 
     const QString name = m_folder.filePath("image.tif");
@@ -154,7 +154,7 @@ void tst_ImReaderWriter_tiff_write::upperCaseExtension_stillWritesATiff()
 void tst_ImReaderWriter_tiff_write::tiffInUnknownCompression_fails()
 {
     ImReaderWriter image;
-    QVERIFY(load(image, pattern(12), 4, 3, 1, grey, 4711));
+    QVERIFY(load(image, pattern(12), 4, 3, 1, kGrey, 4711));
     QVERIFY(!write(image, path("unknown.tif")));
 }
 

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr char reservingDisk[] = "/reserving";
+constexpr char kReservingDisk[] = "/reserving";
 
 } // namespace
 
@@ -21,7 +21,7 @@ constexpr char reservingDisk[] = "/reserving";
 /// bytes, of which an ordinary user may have 1000.
 extern "C" int statvfs(const char* path, struct statvfs* disk) noexcept
 {
-    if (qstrcmp(path, reservingDisk) != 0) {
+    if (qstrcmp(path, kReservingDisk) != 0) {
         using Function = int (*)(const char*, struct statvfs*);
         return reinterpret_cast<Function>(dlsym(RTLD_NEXT, "statvfs"))(path, disk);
     }
@@ -127,7 +127,7 @@ void tst_MediaMonitor_queries::freeDiskSpace_countsFreeBlocksInWholeMegabytes()
 void tst_MediaMonitor_queries::freeDiskSpace_includesTheBlocksKeptForRoot()
 {
     const MediaMonitor monitor;
-    QCOMPARE(monitor.freeDiskSpace(reservingDisk), 3000.0F);
+    QCOMPARE(monitor.freeDiskSpace(kReservingDisk), 3000.0F);
 }
 
 void tst_MediaMonitor_queries::freeDiskSpaceOfMissingPath_isZero()

@@ -11,7 +11,7 @@
 namespace {
 
 /// How often a dialog that is covered by another one is tried again.
-constexpr int RETRY_MS = 5;
+constexpr int kRetryMs = 5;
 
 ShownBox describe(const QDialog& dialog)
 {
@@ -82,7 +82,7 @@ void MessageBoxWatcher::answer(QDialog* dialog)
         return;
     // Like a user, who reaches the innermost dialog alone.
     if (QApplication::activeModalWidget() != dialog) {
-        patience::later(RETRY_MS, dialog, [this, dialog] { answer(dialog); });
+        patience::later(kRetryMs, dialog, [this, dialog] { answer(dialog); });
         return;
     }
     if (m_look)

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int ANSWER_MS = 5000;
+constexpr int kAnswerMs = 5000;
 
 QJsonObject failure(const QString& error)
 {
@@ -38,7 +38,7 @@ bool RigClient::connectToRig()
     if (m_socket.state() == QLocalSocket::ConnectedState)
         return true;
     m_socket.connectToServer(m_path);
-    return m_socket.waitForConnected(patience::limit(ANSWER_MS));
+    return m_socket.waitForConnected(patience::limit(kAnswerMs));
 }
 
 QJsonObject RigClient::request(const QJsonObject& request)
@@ -51,7 +51,7 @@ QJsonObject RigClient::request(const QJsonObject& request)
     QElapsedTimer clock;
     clock.start();
     while (!m_socket.canReadLine()) {
-        const int left = patience::limit(ANSWER_MS) - static_cast<int>(clock.elapsed());
+        const int left = patience::limit(kAnswerMs) - static_cast<int>(clock.elapsed());
         if (left <= 0 || !m_socket.waitForReadyRead(left)) {
             // A late answer must not be taken for that of the next request.
             m_socket.abort();

@@ -8,9 +8,9 @@
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int BUILD_FACTOR = 4;
+constexpr int kBuildFactor = 4;
 #else
-constexpr int BUILD_FACTOR = 1;
+constexpr int kBuildFactor = 1;
 #endif
 
 } // namespace
@@ -19,7 +19,7 @@ int patience::limit(int ms)
 {
     bool ok = false;
     const int machineFactor = qEnvironmentVariableIntValue("QR9_PATIENCE", &ok);
-    return ms * BUILD_FACTOR * (ok && machineFactor > 0 ? machineFactor : 1);
+    return ms * kBuildFactor * (ok && machineFactor > 0 ? machineFactor : 1);
 }
 
 bool patience::waitFor(const std::function<bool()>& evidence, int ms)

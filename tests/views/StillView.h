@@ -9,9 +9,9 @@
 
 /// A still image widget of 540 by 432 pixels and the hand that works on it.
 struct StillView {
-    static constexpr QSize SIZE { 540, 432 };
+    static constexpr QSize kSize { 540, 432 };
 
-    StillView() { widget.resize(SIZE); }
+    StillView() { widget.resize(kSize); }
 
     void show(TargetFrame& frame)
     {

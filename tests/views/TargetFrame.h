@@ -7,8 +7,8 @@
 /// that their centres lie between two pixels and are truncated to the left and upper of them.
 class TargetFrame {
 public:
-    static constexpr unsigned char BRIGHT = 170;
-    static constexpr unsigned char DARK = 40;
+    static constexpr unsigned char kBright = 170;
+    static constexpr unsigned char kDark = 40;
 
     TargetFrame(int width, int height, int channels = 1)
         : m_width(width)
@@ -16,12 +16,12 @@ public:
         , m_channels(channels)
         , m_bytes(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)
                   * static_cast<std::size_t>(channels),
-              BRIGHT)
+              kBright)
     {
     }
 
     /// A mark from (left, top) on, in one channel or (-1) in all.
-    TargetFrame& mark(int left, int top, int side, unsigned char grey = DARK, int channel = -1)
+    TargetFrame& mark(int left, int top, int side, unsigned char grey = kDark, int channel = -1)
     {
         for (int y = std::max(top, 0); y < std::min(top + side, m_height); ++y)
             for (int x = std::max(left, 0); x < std::min(left + side, m_width); ++x)

@@ -12,15 +12,15 @@
 namespace picture {
 
 /// Colour of what a widget has not painted.
-constexpr QRgb UNPAINTED = 0xff123456;
+constexpr QRgb kUnpainted = 0xff123456;
 /// Colour of the overview's rectangles.
-constexpr QRgb YELLOW = 0xffffff00;
+constexpr QRgb kYellow = 0xffffff00;
 
 /// The widget as it paints itself, without its background.
 inline QImage of(QWidget& widget)
 {
     QImage image(widget.size(), QImage::Format_RGB32);
-    image.fill(UNPAINTED);
+    image.fill(kUnpainted);
     widget.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
     return image;
 }
@@ -57,7 +57,7 @@ inline QImage plain(QSize size, QRgb color)
 /// directions. Beyond a frame of `sides` nothing is painted.
 inline QImage enlarged(QSize view, int scale, QPoint first, QSize sides = { 1280, 960 })
 {
-    QImage image = plain(view, UNPAINTED);
+    QImage image = plain(view, kUnpainted);
     for (int y = 0; y < view.height(); ++y)
         for (int x = 0; x < view.width(); ++x) {
             const QPoint pixel = first + QPoint(x / scale, y / scale);
@@ -99,8 +99,8 @@ inline void outline(QImage& image, const QRect& pixels, QRgb color)
 /// The overview: the whole frame as a rectangle from (0, 0) to this pixel, and in it the part on show.
 inline void addOverview(QImage& image, QPoint last, const QRect& shown)
 {
-    outline(image, 0, 0, last.x(), last.y(), YELLOW);
-    outline(image, shown, YELLOW);
+    outline(image, 0, 0, last.x(), last.y(), kYellow);
+    outline(image, shown, kYellow);
 }
 
 /// Where two pictures differ first, as a text for the report; empty when they are equal.

@@ -242,7 +242,7 @@ private:
     template <typename Code> static QImage paintedWith(LiveView& live, Code code)
     {
         std::vector<unsigned char> coded;
-        coded.reserve(FrameDelivery::BYTES);
+        coded.reserve(FrameDelivery::kBytes);
         for (int y = 0; y < 960; ++y)
             for (int x = 0; x < 1280; ++x)
                 coded.push_back(static_cast<unsigned char>(code(x, y)));

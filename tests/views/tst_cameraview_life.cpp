@@ -111,7 +111,7 @@ private slots:
         view.setCrossLine(true);
         view.setFitMode(false);
         view.setPseudoColorTable(1);
-        const QImage untouched = picture::plain({ 540, 405 }, picture::UNPAINTED);
+        const QImage untouched = picture::plain({ 540, 405 }, picture::kUnpainted);
         QCOMPARE(picture::difference(picture::of(view), untouched), QString());
         view.hide();
         QVERIFY(log.lines().contains("showEvent false"));

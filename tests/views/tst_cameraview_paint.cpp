@@ -7,24 +7,24 @@
 
 namespace {
 
-constexpr QRgb MAGENTA = 0xffff00ff;
-constexpr QRgb RED = 0xffff0000;
-constexpr QSize VIEW(540, 405);
-constexpr QPoint OVERVIEW(100, 67); ///< last column and row of its outline
+constexpr QRgb kMagenta = 0xffff00ff;
+constexpr QRgb kRed = 0xffff0000;
+constexpr QSize kView(540, 405);
+constexpr QPoint kOverview(100, 67); ///< last column and row of its outline
 
 void addReticle(QImage& image)
 {
-    picture::horizontal(image, 0, 540, 202, MAGENTA);
-    picture::vertical(image, 270, 0, 405, MAGENTA);
+    picture::horizontal(image, 0, 540, 202, kMagenta);
+    picture::vertical(image, 270, 0, 405, kMagenta);
     for (int k = 1; k <= 20; ++k) {
         const bool isFifth = k == 5 || k == 10 || k == 15 || k == 20;
         for (const int y : { 202 - 10 * k, 202 + 10 * k })
-            picture::horizontal(image, isFifth ? 240 : 255, isFifth ? 300 : 285, y, RED);
+            picture::horizontal(image, isFifth ? 240 : 255, isFifth ? 300 : 285, y, kRed);
     }
     for (int k = 1; k <= 26; ++k) {
         const bool isFifth = k == 5 || k == 10 || k == 15 || k == 20 || k == 25;
         for (const int x : { 270 - 10 * k, 270 + 10 * k })
-            picture::vertical(image, x, isFifth ? 172 : 187, isFifth ? 232 : 217, RED);
+            picture::vertical(image, x, isFifth ? 172 : 187, isFifth ? 232 : 217, kRed);
     }
 }
 
@@ -66,8 +66,8 @@ private slots:
     void fitMode_showsNoOverview()
     {
         const LiveView live;
-        LiveView::source().frame.assign(FrameDelivery::BYTES, 0);
-        const QImage black = picture::plain(VIEW, picture::grey(0));
+        LiveView::source().frame.assign(FrameDelivery::kBytes, 0);
+        const QImage black = picture::plain(kView, picture::grey(0));
         QCOMPARE(picture::difference(picture::of(*live.view), black), QString());
     }
 
@@ -75,8 +75,8 @@ private slots:
     {
         const LiveView live;
         live.view->setFitMode(false);
-        QImage expected = picture::enlarged(VIEW, 1, { 0, 0 });
-        picture::addOverview(expected, OVERVIEW, { QPoint(0, 0), QPoint(43, 29) });
+        QImage expected = picture::enlarged(kView, 1, { 0, 0 });
+        picture::addOverview(expected, kOverview, { QPoint(0, 0), QPoint(43, 29) });
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
     }
 
@@ -94,8 +94,8 @@ private slots:
         const LiveView live;
         live.view->setFitMode(false);
         live.view->setScale(scale);
-        QImage expected = picture::enlarged(VIEW, scale, { 0, 0 });
-        picture::addOverview(expected, OVERVIEW, { QPoint(0, 0), last });
+        QImage expected = picture::enlarged(kView, scale, { 0, 0 });
+        picture::addOverview(expected, kOverview, { QPoint(0, 0), last });
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
     }
 
@@ -119,17 +119,17 @@ private slots:
         live.view->setFitMode(false);
         live.view->setScale(scale);
         pointer::drag(*live.view, { 0, 0 }, { -5000, -5000 });
-        QImage expected = picture::enlarged(VIEW, scale, offset);
-        picture::addOverview(expected, OVERVIEW, overview);
+        QImage expected = picture::enlarged(kView, scale, offset);
+        picture::addOverview(expected, kOverview, overview);
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
     }
 
     void crossLine_isDrawnOverTheFittedFrame()
     {
         const LiveView live;
-        LiveView::source().frame.assign(FrameDelivery::BYTES, 90);
+        LiveView::source().frame.assign(FrameDelivery::kBytes, 90);
         live.view->setCrossLine(true);
-        QImage expected = picture::plain(VIEW, picture::grey(90));
+        QImage expected = picture::plain(kView, picture::grey(90));
         addReticle(expected);
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
         live.view->setCrossLine(false);
@@ -143,8 +143,8 @@ private slots:
         live.view->setFitMode(false);
         live.view->setScale(4.0);
         live.view->setCrossLine(true);
-        QImage expected = picture::enlarged(VIEW, 4, { 0, 0 });
-        picture::addOverview(expected, OVERVIEW, { QPoint(0, 0), QPoint(11, 8) });
+        QImage expected = picture::enlarged(kView, 4, { 0, 0 });
+        picture::addOverview(expected, kOverview, { QPoint(0, 0), QPoint(11, 8) });
         addReticle(expected);
         QCOMPARE(picture::difference(picture::of(*live.view), expected), QString());
     }
@@ -155,7 +155,7 @@ private slots:
         live.view->setCrossLine(true);
         live.view->setFitMode(false);
         LiveView::source().running = false;
-        const QImage untouched = picture::plain(VIEW, picture::UNPAINTED);
+        const QImage untouched = picture::plain(kView, picture::kUnpainted);
         QCOMPARE(picture::difference(picture::of(*live.view), untouched), QString());
         QCOMPARE(LiveView::source().pushes, 0);
     }
@@ -172,7 +172,7 @@ private slots:
     {
         const LiveView live;
         LiveView::source().frame.clear();
-        const QImage black = picture::plain(VIEW, picture::grey(0));
+        const QImage black = picture::plain(kView, picture::grey(0));
         QCOMPARE(picture::difference(picture::of(*live.view), black), QString());
     }
 
@@ -199,9 +199,9 @@ private slots:
         const LiveView live;
         live.view->setFitMode(false);
         // Row 100 is clear of the overview and shows 256 grey values from the left on.
-        constexpr std::size_t ROW = 100;
+        constexpr std::size_t kRow = 100;
         for (std::size_t v = 0; v < 256; ++v)
-            LiveView::source().frame[ROW * 1280 + v] = static_cast<unsigned char>(v);
+            LiveView::source().frame[kRow * 1280 + v] = static_cast<unsigned char>(v);
         live.view->setPseudoColorTable(index);
         QCOMPARE(live.view->pseudoColorTable(), index);
         const QImage image = picture::of(*live.view);
@@ -214,7 +214,7 @@ private slots:
         BaslerFrameDelivery::attached = true;
         CameraView view(nullptr, 2);
         view.resize(540, 405);
-        FrameDelivery::m_pInstance->frame.assign(FrameDelivery::BYTES, 77);
+        FrameDelivery::m_pInstance->frame.assign(FrameDelivery::kBytes, 77);
         QCOMPARE(view.pseudoColorTable(), 2);
         QCOMPARE(picture::of(view).pixel(300, 200), qRgb(0, 77, 0));
     }

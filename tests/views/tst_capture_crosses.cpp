@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr QRgb RED = 0xffff0000;
+constexpr QRgb kRed = 0xffff0000;
 
 /// A still picture as large as its frame, so that all of it is painted.
 struct WholeView : StillView {
@@ -39,8 +39,8 @@ private:
             for (int x = 0; x < frame.width(); ++x)
                 image.setPixel(x, y, picture::grey(frame.at(x, y, plane)));
         for (const auto& [point, label] : points) {
-            picture::horizontal(image, point.x() - 15, point.x() + 15, point.y(), RED);
-            picture::vertical(image, point.x(), point.y() - 15, point.y() + 15, RED);
+            picture::horizontal(image, point.x() - 15, point.x() + 15, point.y(), kRed);
+            picture::vertical(image, point.x(), point.y() - 15, point.y() + 15, kRed);
             cv::Mat pixels(image.height(), image.width(), CV_8UC3, image.bits(),
                 static_cast<std::size_t>(image.bytesPerLine()));
             cv::putText(pixels, label, cv::Point(point.x() + 8, point.y() - 8), cv::FONT_HERSHEY_SIMPLEX,
@@ -116,10 +116,10 @@ private slots:
         still.widget.setPoint(0);
         still.widget.setTargetingMode(false);
         // The view stands at its last corner: the point (1273, 953) is at (533, 425).
-        QCOMPARE(still.painted().pixel(533, 425), RED);
-        QCOMPARE(still.painted().pixel(518, 425), RED);
-        QCOMPARE(still.painted().pixel(539, 425), RED);
-        QCOMPARE(still.painted().pixel(533, 431), RED);
+        QCOMPARE(still.painted().pixel(533, 425), kRed);
+        QCOMPARE(still.painted().pixel(518, 425), kRed);
+        QCOMPARE(still.painted().pixel(539, 425), kRed);
+        QCOMPARE(still.painted().pixel(533, 431), kRed);
     }
 };
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr QRgb GREEN = 0xff00ff00;
+constexpr QRgb kGreen = 0xff00ff00;
 
 /// Whether the widget shows picture::frame() from this pixel on, clear of the overview.
 bool shows(StillView& still, int scale, int offsetX, int offsetY)
@@ -143,9 +143,9 @@ private slots:
         still.widget.setTargetingMode(true);
         still.drag({ 100, 250 }, { 300, 300 });
         const QImage image = still.painted();
-        QCOMPARE(image.pixel(280, 280), GREEN);
-        QCOMPARE(image.pixel(319, 319), GREEN);
-        QVERIFY(image.pixel(80, 230) != GREEN);
+        QCOMPARE(image.pixel(280, 280), kGreen);
+        QCOMPARE(image.pixel(319, 319), kGreen);
+        QVERIFY(image.pixel(80, 230) != kGreen);
         still.widget.setTargetingMode(false);
         QVERIFY(shows(still, 1, 100, 50));
     }

@@ -4,15 +4,15 @@
 
 namespace {
 
-constexpr QRgb GREEN = 0xff00ff00;
+constexpr QRgb kGreen = 0xff00ff00;
 
 /// The last corner of the overview of a frame of 1280 by 960 pixels.
-constexpr QPoint OVERVIEW(100, 75);
+constexpr QPoint kOverview(100, 75);
 
 /// What the widget shows of picture::frame() of these sides, without the overview.
 QImage enlarged(int scale, QPoint first, QSize sides = { 1280, 960 })
 {
-    return picture::enlarged(StillView::SIZE, scale, first, sides);
+    return picture::enlarged(StillView::kSize, scale, first, sides);
 }
 
 /// The part of the overview that is on show, from its first to its last painted column and row.
@@ -31,8 +31,8 @@ private slots:
     void beforeTheFirstFrame_isBlackWithAnEmptyOverview()
     {
         StillView still;
-        QImage expected = picture::plain(StillView::SIZE, picture::grey(0));
-        picture::outline(expected, 0, 0, 100, 80, picture::YELLOW);
+        QImage expected = picture::plain(StillView::kSize, picture::grey(0));
+        picture::outline(expected, 0, 0, 100, 80, picture::kYellow);
         QCOMPARE(still.differenceFrom(expected), QString());
     }
 
@@ -42,7 +42,7 @@ private slots:
         still.showFrame();
         QImage expected = enlarged(1, { 0, 0 });
         // 740 * 100 / 1280 = 57, 528 * 75 / 960 = 41: the last cells are 42 and 33, drawn one further
-        picture::addOverview(expected, OVERVIEW, part(0, 0, 43, 34));
+        picture::addOverview(expected, kOverview, part(0, 0, 43, 34));
         QCOMPARE(still.differenceFrom(expected), QString());
     }
 
@@ -70,7 +70,7 @@ private slots:
         still.widget.setScale(scale);
         still.drag({ 0, 0 }, -first);
         QImage expected = enlarged(scale, first);
-        picture::addOverview(expected, OVERVIEW, shown);
+        picture::addOverview(expected, kOverview, shown);
         QCOMPARE(still.differenceFrom(expected), QString());
     }
 
@@ -123,7 +123,7 @@ private slots:
         std::vector<unsigned char> bytes = picture::frame(1280, 2 * 960);
         still.widget.setImageData(bytes.data(), 1280, 960, 16);
         QImage expected = enlarged(1, { 0, 0 });
-        picture::addOverview(expected, OVERVIEW, part(0, 0, 43, 34));
+        picture::addOverview(expected, kOverview, part(0, 0, 43, 34));
         QCOMPARE(still.differenceFrom(expected), QString());
     }
 
@@ -160,7 +160,7 @@ private slots:
         still.showFrame();
         QImage expected = enlarged(1, { 200, 150 });
         // 200 * 100 / 1280 = 15, 150 * 75 / 960 = 11
-        picture::addOverview(expected, OVERVIEW, part(15, 11, 58, 45));
+        picture::addOverview(expected, kOverview, part(15, 11, 58, 45));
         QCOMPARE(still.differenceFrom(expected), QString());
     }
 
@@ -173,7 +173,7 @@ private slots:
         still.show(coloured.mark(200, 200, 2, 0));
         QCOMPARE(still.painted().pixel(200, 200), qRgb(0, 0, 0));
         QCOMPARE(still.painted().pixel(202, 200), qRgb(170, 170, 170));
-        QCOMPARE(still.painted().pixel(43, 34), picture::YELLOW);
+        QCOMPARE(still.painted().pixel(43, 34), picture::kYellow);
     }
 
     void frameWithoutPixels_changesNothing()
@@ -205,7 +205,7 @@ private slots:
         still.drag({ 300, 300 }, { 250, 260 });
         QImage expected = still.painted();
         still.targetAt({ 300, 200 });
-        picture::outline(expected, 280, 180, 319, 219, GREEN);
+        picture::outline(expected, 280, 180, 319, 219, kGreen);
         QCOMPARE(still.differenceFrom(expected), QString());
     }
 
@@ -219,8 +219,8 @@ private slots:
         // The view goes from (1145, 852) to (1010, 744), and shows the position so much further on.
         still.widget.setScale(2.0);
         QImage expected = enlarged(2, { 1010, 744 });
-        picture::addOverview(expected, OVERVIEW, part(78, 58, 100, 75));
-        picture::outline(expected, 235 - 20, 258 - 20, 235 + 19, 258 + 19, GREEN);
+        picture::addOverview(expected, kOverview, part(78, 58, 100, 75));
+        picture::outline(expected, 235 - 20, 258 - 20, 235 + 19, 258 + 19, kGreen);
         QCOMPARE(still.differenceFrom(expected), QString());
     }
 

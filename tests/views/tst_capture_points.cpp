@@ -123,8 +123,8 @@ private slots:
     {
         StillView still;
         TargetFrame frame(1280, 960, 3);
-        frame.mark(640, 480, 8, TargetFrame::DARK, 1).mark(620, 480, 8, TargetFrame::DARK, 0);
-        frame.mark(660, 480, 8, TargetFrame::DARK, 2);
+        frame.mark(640, 480, 8, TargetFrame::kDark, 1).mark(620, 480, 8, TargetFrame::kDark, 0);
+        frame.mark(660, 480, 8, TargetFrame::kDark, 2);
         still.show(frame);
         still.target(640, 480);
         QCOMPARE(search(still), found(643, 483));

@@ -92,7 +92,7 @@ private slots:
     void ring_isOneMark()
     {
         TargetFrame frame(1280, 960);
-        frame.mark(630, 470, 20).mark(636, 476, 8, TargetFrame::BRIGHT);
+        frame.mark(630, 470, 20).mark(636, 476, 8, TargetFrame::kBright);
         QCOMPARE(contoursOf(frame, { 620, 460, 40, 40 }).size(), std::size_t(1));
     }
 

@@ -12,7 +12,7 @@ class FrameDelivery : public QObject {
 public:
     static constexpr int kFrameWidth = 1280;
     static constexpr int kFrameHeight = 960;
-    static constexpr std::size_t BYTES = std::size_t(kFrameWidth) * kFrameHeight;
+    static constexpr std::size_t kBytes = std::size_t(kFrameWidth) * kFrameHeight;
 
     inline static FrameDelivery* m_pInstance = nullptr;
 
