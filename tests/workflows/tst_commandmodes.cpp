@@ -1,5 +1,8 @@
 #include "tests/workflows/PageTest.h"
+#include "tests/workflows/ShiftRun.h"
 #include "tests/workflows/SlidePanel.h"
+
+#include <QRegularExpression>
 
 /// How each line goes out: "direct", blocking and unseen by the parser, or "queued", with a reply that
 /// reaches it. What a line does is for the tests of its panel.
@@ -18,7 +21,9 @@ private slots:
     void button_sendsItsLinesInTheirModes();
     void slideControls_sendTheirLinesInTheirModes();
     void focusRun_queuesItsMovesAlone();
+    void coarseFocusRun_sendsEachLineInItsMode();
     void slopeCalibration_movesXDirect();
+    void pixelShiftCalibration_sendsEachLineInItsMode();
     void exit_isDirect();
 
 private:
@@ -27,6 +32,57 @@ private:
     /// Whatever else a run sends, its relative moves are queued and all other lines direct.
     void compareModesOfARun(const QStringList& lines);
 };
+
+namespace {
+
+const QStringList kPosition { "direct $Z#STAGE POS" };
+const QStringList kStep { "direct $Z#STAGE STEP <n>" };
+const QStringList kDirection { "direct $Z#STAGE DIR <d>" };
+const QStringList kMoveZ { "direct $Z#STAGE ABS <n>" };
+const QStringList kRun { "queued $Z#STAGE RUN" };
+
+QStringList repeated(const QStringList& lines, int count)
+{
+    QStringList all;
+    for (int i = 0; i < count; ++i)
+        all << lines;
+    return all;
+}
+
+/// The move to where a scan starts, or to the best position.
+QStringList move()
+{
+    return kPosition + kStep + kDirection + kRun;
+}
+
+QStringList scan(int frames)
+{
+    return kDirection + kStep + repeated(kRun, frames);
+}
+
+QStringList fineRun()
+{
+    return move() + scan(7) + kMoveZ + move() + scan(1);
+}
+
+QStringList coarseRun()
+{
+    return move() + scan(15) + fineRun();
+}
+
+QStringList light(const char* levels, int filter)
+{
+    return { QString("direct $A#LED ") + levels, QString("direct $A#FILTER GO %1").arg(filter) };
+}
+
+/// What is measured stands where its place is: positions, distances and the directions that follow from them.
+QStringList withoutMeasured(QStringList lines)
+{
+    lines.replaceInStrings(QRegularExpression("(ABS|STEP) -?\\d+$"), "\\1 <n>");
+    return lines.replaceInStrings(QRegularExpression("DIR (PLUS|MINUS)$"), "DIR <d>");
+}
+
+} // namespace
 
 QStringList tst_commandmodes::linesSince(int logMark)
 {
@@ -148,6 +204,13 @@ void tst_commandmodes::focusRun_queuesItsMovesAlone()
     QCOMPARE(lines.filter("direct $Z#STAGE POS").size(), 2);
 }
 
+void tst_commandmodes::coarseFocusRun_sendsEachLineInItsMode()
+{
+    const int logMark = m_desk->log.mark();
+    QVERIFY(m_desk->window().focusSilently(true));
+    QCOMPARE(withoutMeasured(linesSince(logMark)), coarseRun());
+}
+
 void tst_commandmodes::slopeCalibration_movesXDirect()
 {
     QVERIFY(hand::selectTab(m_desk->window(), "tabWidget_CONTROLLER", "TAB_STAGE"));
@@ -158,6 +221,24 @@ void tst_commandmodes::slopeCalibration_movesXDirect()
     const QStringList lines = linesSince(logMark);
     compareModesOfARun(lines);
     QVERIFY(lines.filter("direct $X#STAGE ABS ").size() >= 2);
+}
+
+void tst_commandmodes::pixelShiftCalibration_sendsEachLineInItsMode()
+{
+    ShiftRun run(*m_desk);
+    m_boxesAskedFor += 2; // of the focus run that finds the reference, and of the calibration
+    QVERIFY(run.prepare());
+    const int logMark = m_desk->log.mark();
+    QVERIFY(run.run());
+
+    const QStringList brightField = light("BRT1 7 6", 1);
+    const QStringList ofAField = brightField + kPosition + kMoveZ + light("BRT2 300", 2)
+        + light("BRT3 350", 3) + brightField + kPosition + kMoveZ;
+    const QStringList moveX { "queued $X#STAGE ABS <n>" };
+    QStringList expected = coarseRun() + ofAField;
+    expected += repeated(moveX + fineRun() + ofAField, ShiftRun::kFields - 1);
+    expected += QStringList("direct $A#LED BRT1 7 6") + kMoveZ + moveX; // the insert at the end
+    QCOMPARE(withoutMeasured(linesSince(logMark)), expected);
 }
 
 void tst_commandmodes::exit_isDirect()
