@@ -140,7 +140,7 @@ void tst_autofocus_dialog::frameOutsideOfAScan_isMeasuredAndAdvancesNothing_data
 void tst_autofocus_dialog::frameOutsideOfAScan_isMeasuredAndAdvancesNothing()
 {
     QFETCH(int, state);
-    std::vector<uchar> frame(1280 * 960, 77);
+    std::vector<uchar> frame(1228800, 77); // 1280 by 960
     const int mark = m_desk->mark();
     const int logMark = m_desk->log.mark();
     stateOf(m_desk->window()) = state;
