@@ -1,6 +1,7 @@
 #include "tests/workflows/PageTest.h"
 
 #include <QPushButton>
+#include <QTableWidget>
 
 /// What the replies to moves of the tray do to its buttons, by what is under way. The replies are given to
 /// the parser as the link delivers them; those of the board are lost.
@@ -25,18 +26,31 @@ private:
 
 void tst_trayreplies::ejectReply_emptiesTheMap()
 {
-    auto* eject = m_desk->window().findChild<QPushButton*>("pushButton_EJECT");
-    eject->setText("~~~");
-    eject->setEnabled(false);
+    // With a slide in, so that all of it has to change.
+    QVERIFY(click("pushButton_INSERT"));
+    QVERIFY(becomesEnabled("pushButton_INSERT"));
+    const auto* map = m_desk->widget<QTableWidget>("tableWidget_SLIDE");
+    QCOMPARE(map->item(0, 0)->background().color(), QColor(Qt::red));
+    QVERIFY(map->isEnabled() && m_desk->isEnabled("comboBox_SLIDE"));
+    QCOMPARE(m_desk->text("lineEdit_FIELD_CURRENT"), QString("0"));
+    QVERIFY(m_desk->rig.fault("lose", "$X#STAGE EJECT"));
+    QVERIFY(click("pushButton_EJECT"));
+    QCOMPARE(m_desk->text("pushButton_EJECT"), QString("~~~"));
+    for (const char* button : { "pushButton_INSERT", "pushButton_EJECT" })
+        QVERIFY2(!m_desk->isEnabled(button) && !m_desk->style(button).contains("rgb(0, 170, 255)"), button);
+
     reply("$OK#X#STAGE EJECT\r\n");
-    QCOMPARE(eject->text(), QString("Eject"));
-    QVERIFY(eject->isEnabled());
-    QCOMPARE(eject->styleSheet(),
+    QCOMPARE(m_desk->text("pushButton_EJECT"), QString("Eject"));
+    QVERIFY(m_desk->isEnabled("pushButton_EJECT"));
+    QCOMPARE(m_desk->style("pushButton_EJECT"),
         QString("font: 11pt 'Sans Serif'; color : black; background-color : rgb(0, 170, 255)"));
     QVERIFY(m_desk->isEnabled("pushButton_INSERT"));
-    QVERIFY(!m_desk->isEnabled("tableWidget_SLIDE"));
+    QVERIFY(!map->isEnabled());
     QVERIFY(!m_desk->isEnabled("comboBox_SLIDE"));
     QCOMPARE(m_desk->text("lineEdit_FIELD_CURRENT"), QString("X"));
+    QCOMPARE(map->columnCount(), 2);
+    for (int column = 0; column < 2; ++column)
+        QCOMPARE(map->item(0, column)->background().color(), QColor(Qt::white));
 }
 
 void tst_trayreplies::xAbsReplyWithoutInsert_leavesTheTextsAndEndsTheMove()
