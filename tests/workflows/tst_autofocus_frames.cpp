@@ -105,7 +105,14 @@ void tst_autofocus_frames::afterAnEarlyEnd_framesAreStillMeasured()
     QCOMPARE(measuredSince(logMark), 1);
     // Out of a scan nothing more comes of it.
     QCOMPARE(m_desk->linesSince(mark), QStringList());
+    // The next run measures each of its frames once all the same, and ends the measuring.
+    const int nextRun = m_desk->log.mark();
     QVERIFY(runFine());
+    const QStringList measured = m_desk->log.lines(nextRun).filter(" val: ");
+    QCOMPARE(measured.size(), 7);
+    for (int frame = 0; frame < 7; ++frame)
+        QVERIFY2(measured[frame].contains(QString("pos: %1 ").arg(32345 - 115 * frame)),
+            qPrintable(measured[frame]));
     const int afterwards = m_desk->log.mark();
     m_desk->window().slot_request_camera_grab();
     QCOMPARE(measuredSince(afterwards), 0);
