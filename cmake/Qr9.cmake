@@ -44,9 +44,10 @@ function(qr9_library target)
   qr9_own_code(${target})
 endfunction()
 
-# qr9_lengthen(LIMIT) - multiplies the variable LIMIT, a test's seconds, by what a sanitizer slows the test down.
+# qr9_lengthen(LIMIT) - multiplies the variable LIMIT, a test's seconds, by what a sanitizer or the counting of lines
+# slows the test down.
 macro(qr9_lengthen limit)
-  if(QR9_SANITIZE)
+  if(QR9_SANITIZE OR QR9_COVERAGE)
     math(EXPR ${limit} "4 * ${${limit}}")
   endif()
 endmacro()
