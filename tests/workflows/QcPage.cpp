@@ -89,7 +89,7 @@ QString QcPage::enabled()
     constexpr struct {
         const char* letter;
         const char* widget;
-    } controls[] = {
+    } kControls[] = {
         { "L", "pushButton_QC_LIVE" },
         { "C", "pushButton_QC_CAPTURE" },
         { "T", "checkBox_TARGETING_MODE" },
@@ -100,7 +100,7 @@ QString QcPage::enabled()
         { "W", "pushButton_MEASURE_WRITE" },
     };
     QString letters;
-    for (const auto& control : controls) {
+    for (const auto& control : kControls) {
         if (m_desk.isEnabled(control.widget))
             letters += control.letter;
     }

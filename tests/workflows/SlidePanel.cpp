@@ -67,7 +67,7 @@ QString SlidePanel::enabled()
     constexpr struct {
         const char* name;
         const char* widget;
-    } controls[] = {
+    } kControls[] = {
         { "Insert", "pushButton_INSERT" },
         { "Eject", "pushButton_EJECT" },
         { "Combo", "comboBox_SLIDE" },
@@ -76,7 +76,7 @@ QString SlidePanel::enabled()
         { "Map", "tableWidget_SLIDE" },
     };
     QStringList names;
-    for (const auto& control : controls) {
+    for (const auto& control : kControls) {
         if (m_desk.isEnabled(control.widget))
             names << control.name;
     }
