@@ -16,7 +16,7 @@ namespace {
 constexpr const char* kMeasurementSignature
     = "void alg_pixelShift::phaseCorrelatePixelShift(cv::Mat&, cv::Mat&, cv::Mat&, int, int, float*, float*)";
 
-/// Thresholds of the adaptive search; the first `walkedThresholds` are tried.
+/// Thresholds of the adaptive search; the first `kWalkedThresholds` are tried.
 constexpr std::array<int, 10> kThresholdRow { 15, 20, 25, 30, 35, 40, 45, 50, 55, 60 };
 constexpr std::size_t kWalkedThresholds = 7;
 

@@ -11,7 +11,7 @@ constexpr Uint32 kRegReadMode = 0x3040; ///< mirrors
 constexpr Uint32 kRegDigitalGain = 0x305E; ///< in 1/32
 constexpr Uint32 kRegAnalogGain = 0x30B0; ///< bits 4 and 5: doublings
 
-/// REG_READ_MODE with the two mirrors alone.
+/// kRegReadMode with the two mirrors alone.
 constexpr Uint32 mirrorBits(bool reverseX, bool reverseY)
 {
     return (reverseY ? 1U << 15 : 0U) | (reverseX ? 1U << 14 : 0U);
